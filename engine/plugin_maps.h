@@ -1,0 +1,20 @@
+#pragma once
+// Registries that other kinds of plug-ins fill (renderer back ends, physics and script back ends,
+// picture renderers). The VR module only carries their pointers from the host; each is declared
+// here with no more than its name until the part of the engine that owns it is built.
+
+namespace kesta {
+
+class RendererFactoryTable;
+class PhysicSystemFactoryTable;
+class ScriptEngineFactoryTable;
+class PictureRendererFactoryTable;
+class ResourceLoaderMap;
+
+extern RendererFactoryTable* g_renderer_factory_table;
+extern PhysicSystemFactoryTable* g_physic_system_factory_table;
+extern ScriptEngineFactoryTable* g_script_engine_factory_table;
+extern PictureRendererFactoryTable* g_picture_renderer_factory_table;
+extern ResourceLoaderMap* g_resource_loader_map;
+
+}  // namespace kesta

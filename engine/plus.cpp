@@ -1,0 +1,7 @@
+#include "engine/plus.h"
+
+namespace kesta {
+
+Plus* g_plus = nullptr;
+
+}  // namespace kesta

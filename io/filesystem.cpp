@@ -1,0 +1,7 @@
+#include "io/filesystem.h"
+
+namespace kesta {
+
+Filesystem* g_filesystem = nullptr;
+
+}  // namespace kesta

@@ -1,0 +1,7 @@
+#include "platform/input/input_system.h"
+
+namespace kesta {
+
+InputSystem* g_input_system = nullptr;
+
+}  // namespace kesta

@@ -1,0 +1,7 @@
+#include "reflection/serializer_list.h"
+
+namespace kesta {
+
+SerializerList* g_serializer_list = nullptr;
+
+}  // namespace kesta

@@ -50,7 +50,7 @@ test-tsan: deps
 FORMAT_SOURCES = $(shell git ls-files '*.cpp' '*.h')
 
 format-check: deps
-	clang-format --dry-run --Werror $(FORMAT_SOURCES)
+	@clang-format --dry-run --Werror $(FORMAT_SOURCES) && echo "clang-format: all sources formatted"
 
 format:
 	clang-format -i $(FORMAT_SOURCES)

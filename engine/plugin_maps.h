@@ -1,11 +1,12 @@
 #pragma once
 // Registries that other kinds of plug-ins fill (renderer back ends, physics and script back ends,
-// picture renderers). The VR module only carries their pointers from the host; each is declared
-// here with no more than its name until the part of the engine that owns it is built.
+// picture renderers). The VR module only carries their pointers from the host; those not built yet
+// are declared here with no more than their name.
+
+#include "engine/renderer/renderer_factory.h"
 
 namespace kesta {
 
-class RendererFactoryTable;
 class PhysicSystemFactoryTable;
 class ScriptEngineFactoryTable;
 class PictureRendererFactoryTable;

@@ -13,7 +13,7 @@
 #include <vector>
 
 #include "engine/renderer/renderer.h"
-#include "engine/renderer/shader/shader_value.h"
+#include "engine/renderer/shader/texture_unit_config.h"
 
 namespace kesta {
 

@@ -26,7 +26,7 @@
 
 namespace kesta {
 
-class Shader;
+struct Shader;
 struct Picture;
 class ShaderVariableTable;
 class VertexLayout;

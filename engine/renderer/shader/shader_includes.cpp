@@ -71,8 +71,11 @@ std::string ExpandIncludes(std::string_view text, const ShaderFileReader& reader
         const std::size_t directive = result.find(kPercentInclude);
         if (directive == std::string::npos)
             break;
-        const std::size_t open = result.find('(', directive + kPercentInclude.size());
-        if (open == std::string::npos)
+        // The bracket must follow the directive; one further on belongs to other text.
+        std::size_t open = directive + kPercentInclude.size();
+        while (open < result.size() && IsShaderBlank(result[open]))
+            ++open;
+        if (open == result.size() || result[open] != '(')
             break;
         const std::size_t close = result.find(')', open + 1);
         if (close == std::string::npos)

@@ -16,8 +16,8 @@ std::string ExpandHashIncludes(std::string_view body, const ShaderFileReader& re
 // In stage texts: replaces each `%include("path")` by the file's text and goes on from the
 // start, so included files may include further files. A file that cannot be read gives an empty
 // replacement. A directive without `(`, `)` or a quoted path ends the expansion and is left in
-// place with everything after it. Expansion stops with an error after kMaxIncludeExpansions
-// replacements, which only a file that includes itself reaches.
+// place with everything after it; blanks may stand between `%include` and `(`. Expansion stops with an error after
+// kMaxIncludeExpansions replacements, which only a file that includes itself reaches.
 std::string ExpandIncludes(std::string_view text, const ShaderFileReader& reader = {});
 
 inline constexpr int kMaxIncludeExpansions = 256;

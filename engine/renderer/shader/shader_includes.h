@@ -13,13 +13,14 @@ namespace kesta {
 // lines are copied, each ending with '\n'. A file that cannot be read contributes nothing.
 std::string ExpandHashIncludes(std::string_view body, const ShaderFileReader& reader);
 
+// Bounds the expansion of one text; only a file that includes itself comes near it.
+inline constexpr int kMaxIncludeExpansions = 256;
+
 // In stage texts: replaces each `%include("path")` by the file's text and goes on from the
 // start, so included files may include further files. A file that cannot be read gives an empty
-// replacement. A directive without `(`, `)` or a quoted path ends the expansion and is left in
-// place with everything after it; blanks may stand between `%include` and `(`. Expansion stops with an error after
-// kMaxIncludeExpansions replacements, which only a file that includes itself reaches.
+// replacement. Blanks may stand between `%include` and `(`. A directive without `(`, `)` or a
+// quoted path ends the expansion and is left in place with everything after it. After
+// kMaxIncludeExpansions replacements the expansion stops with an error.
 std::string ExpandIncludes(std::string_view text, const ShaderFileReader& reader = {});
-
-inline constexpr int kMaxIncludeExpansions = 256;
 
 }  // namespace kesta

@@ -16,7 +16,7 @@ namespace kesta {
 
 namespace {
 
-bool IsFalseWord(std::string_view value)
+constexpr bool IsFalseWord(std::string_view value)
 {
     return value == "false" || value == "False" || value == "0" || value == "FALSE";
 }
@@ -54,37 +54,54 @@ void ApplyAlphaThreshold(std::string_view text, Shader& shader)
     shader.alpha_threshold = static_cast<std::uint8_t>(std::clamp(threshold, 0.0f, 1.0f) * 255.0f);
 }
 
+// A boolean key of `surface`: the kind of word that switches it, and the bit it then sets or
+// clears. A word of the other sense leaves the shader alone.
+struct SurfaceSwitch {
+    std::string_view key;
+    bool (*switches)(std::string_view value);
+    bool in_attributes;  // surface_attributes rather than flags
+    std::uint16_t bit;
+    bool clears;
+};
+
+constexpr SurfaceSwitch kSurfaceSwitches[] = {
+    {"z-write", IsFalseWord, false, kRenderStateNoDepthWrite, false},
+    {"z-test", IsFalseWord, false, kRenderStateNoDepthTest, false},
+    {"alpha-test", IsTrueWord, false, kRenderStateAlphaTest, false},
+    {"double-sided", IsTrueWord, false, kRenderStateDoubleSided, false},
+    {"cast-shadow", IsFalseWord, false, kRenderStateCastShadow, true},
+    {"receive-shadow", IsFalseWord, false, kRenderStateReceiveShadow, true},
+    {"no-light", IsTrueWord, false, kRenderStateNoLight, false},
+    {"force-depth-func-always", IsTrueWord, false, kRenderStateDepthFuncAlways, false},
+    {"skinned", IsTrueWord, true, kSurfaceSkinned, false},
+    {"terrain", IsTrueWord, true, kSurfaceTerrain, false},
+};
+
+void ApplySurfaceSwitch(const SurfaceSwitch& entry, Shader& shader)
+{
+    if (entry.in_attributes) {
+        shader.surface_attributes |= static_cast<std::uint8_t>(entry.bit);
+    } else if (entry.clears) {
+        shader.flags &= static_cast<std::uint16_t>(~entry.bit);
+    } else {
+        shader.flags |= entry.bit;
+    }
+}
+
 void ApplySurface(std::string_view text, Shader& shader)
 {
-    struct FlagKey {
-        std::string_view key;
-        std::uint16_t bit;
-        bool set_on_true;  // false: the key takes a false word; cast and receive clear their bit
-    };
-    static constexpr FlagKey kFlagKeys[] = {
-        {"z-write", kRenderStateNoDepthWrite, false}, {"z-test", kRenderStateNoDepthTest, false},
-        {"alpha-test", kRenderStateAlphaTest, true},  {"double-sided", kRenderStateDoubleSided, true},
-        {"no-light", kRenderStateNoLight, true},      {"force-depth-func-always", kRenderStateDepthFuncAlways, true},
-    };
     for (const auto& [key, value] : ParseShaderKeyValues(text, ',', ':')) {
         if (key == "blend") {
             if (value == "alpha")
                 shader.flags |= kRenderStateBlendAlpha;
             else if (value == "additive")
                 shader.flags |= kRenderStateBlendAdditive;
-        } else if (key == "cast-shadow" || key == "receive-shadow") {
-            if (IsFalseWord(value))
-                shader.flags &= static_cast<std::uint16_t>(
-                    ~(key == "cast-shadow" ? kRenderStateCastShadow : kRenderStateReceiveShadow));
-        } else if (key == "skinned" || key == "terrain") {
-            if (IsTrueWord(value))
-                shader.surface_attributes |= key == "skinned" ? kSurfaceSkinned : kSurfaceTerrain;
         } else if (key == "alpha-threshold") {
             ApplyAlphaThreshold(value, shader);
         } else {
-            for (const FlagKey& flag : kFlagKeys) {
-                if (key == flag.key && (flag.set_on_true ? IsTrueWord(value) : IsFalseWord(value)))
-                    shader.flags |= flag.bit;
+            for (const SurfaceSwitch& entry : kSurfaceSwitches) {
+                if (key == entry.key && entry.switches(value))
+                    ApplySurfaceSwitch(entry, shader);
             }
         }
     }

@@ -1,0 +1,21 @@
+#pragma once
+// How the shader reader opens include files and surface files. The owner binds it to the
+// filesystem; an empty function means that no file can be read, which every caller handles
+// like a missing file.
+
+#include <functional>
+#include <string>
+
+namespace kesta {
+
+// Fills `text` with the whole file and answers true, or answers false when it cannot be read.
+using ShaderFileReader = std::function<bool(const std::string& path, std::string& text)>;
+
+// Calls `reader` when it is set; false otherwise.
+inline bool ReadShaderFile(const ShaderFileReader& reader, const std::string& path, std::string& text)
+{
+    text.clear();
+    return reader && reader(path, text);
+}
+
+}  // namespace kesta

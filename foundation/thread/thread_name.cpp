@@ -23,6 +23,21 @@ ThreadNames& thread_names()
     return names;
 }
 
+// Removes the thread's entry when it ends: thread ids are reused by later threads.
+struct NameEntryOwner {
+    bool registered = false;
+    ~NameEntryOwner()
+    {
+        if (!registered)
+            return;
+        ThreadNames& names = thread_names();
+        std::lock_guard lock(names.lock);
+        names.names.erase(std::this_thread::get_id());
+    }
+};
+
+thread_local NameEntryOwner t_name_entry;
+
 }  // namespace
 
 void set_current_thread_name(std::string_view name)
@@ -32,6 +47,7 @@ void set_current_thread_name(std::string_view name)
     ThreadNames& names = thread_names();
     std::lock_guard lock(names.lock);
     names.names[std::this_thread::get_id()] = std::string(name);
+    t_name_entry.registered = true;
 }
 
 std::string get_thread_name(std::thread::id id)

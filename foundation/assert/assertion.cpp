@@ -20,7 +20,9 @@ std::string MakeAssertionText(const char* file, int line, const char* function, 
     text += condition ? condition : "";
     text += ") failed!\n\nFile: ";
     text += file ? file : "";
-    text += "\nLine " + std::to_string(line) + " in function '";
+    text += "\nLine ";
+    text += std::to_string(line);
+    text += " in function '";
     text += function ? function : "";
     text += "'\n";
     if (detail) {
@@ -36,9 +38,11 @@ void assertion_failed(const char* file, int line, const char* function, const ch
     std::string text = MakeAssertionText(file, line, function, condition, detail);
     std::vector<CallstackFrame> frames;
     GetCallstack(frames, 1);
-    text += "\nCallstack:\n" + CallstackToString(frames);
+    text += "\nCallstack:\n";
+    text += CallstackToString(frames);
 
-    const std::string report = "Assertion failed\n\n" + text;
+    std::string report = "Assertion failed\n\n";
+    report += text;
     std::fwrite(report.data(), 1, report.size(), stderr);
     std::fflush(stderr);
     error(text);

@@ -91,7 +91,7 @@ private:
 
 }  // namespace
 
-void GetCallstack(std::vector<CallstackFrame>& frames, int skip, const void* context)
+[[gnu::noinline]] void GetCallstack(std::vector<CallstackFrame>& frames, int skip, const void* context)
 {
     frames.clear();
     void* addresses[kMaxFrames];
@@ -108,8 +108,17 @@ void GetCallstack(std::vector<CallstackFrame>& frames, int skip, const void* con
         symbolizer.Describe(frame, frame.address);
         frames.push_back(std::move(frame));
     }
-    // Frame 0 is this function itself.
-    for (int i = 1 + (skip > 0 ? skip : 0); i < count; ++i) {
+    // The caller's frame is the one that returns to where this function was called from; frames
+    // before it belong to this function and to whatever intercepts backtrace() (sanitizers do).
+    int first = 1;
+    const void* return_address = __builtin_return_address(0);
+    for (int i = 0; i < count; ++i) {
+        if (addresses[i] == return_address) {
+            first = i;
+            break;
+        }
+    }
+    for (int i = first + (skip > 0 ? skip : 0); i < count; ++i) {
         CallstackFrame frame;
         frame.address = reinterpret_cast<std::uintptr_t>(addresses[i]);
         // A return address points behind the call; one byte back lies inside the calling line.
@@ -127,10 +136,17 @@ std::string CallstackToString(const std::vector<CallstackFrame>& frames)
         std::snprintf(head, sizeof head, "  #%zu 0x%016zx ", i, static_cast<std::size_t>(frame.address));
         text += head;
         text += frame.function.empty() ? "??" : frame.function;
-        if (!frame.file.empty())
-            text += " at " + frame.file + ":" + std::to_string(frame.line);
-        if (!frame.module.empty())
-            text += " [" + frame.module + "]";
+        if (!frame.file.empty()) {
+            text += " at ";
+            text += frame.file;
+            text += ':';
+            text += std::to_string(frame.line);
+        }
+        if (!frame.module.empty()) {
+            text += " [";
+            text += frame.module;
+            text += ']';
+        }
         text += '\n';
     }
     return text;

@@ -169,12 +169,18 @@ void LogSystem::DefaultOutput(const std::string& message, const std::string& cat
 {
     if (!(category_bit(category) & output_mask))
         return;
-    std::string line = "(" + MakeLogTimestamp(time_now()) + ") ";
-    if (!category.empty())
-        line += category + ": ";
+    std::string line(1, '(');
+    line += MakeLogTimestamp(time_now());
+    line += ") ";
+    if (!category.empty()) {
+        line += category;
+        line += ": ";
+    }
     line += message;
-    if (output_details && !details.empty())
-        line += "\n  Details:\n" + details;
+    if (output_details && !details.empty()) {
+        line += "\n  Details:\n";
+        line += details;
+    }
     line += '\n';
     std::fwrite(line.data(), 1, line.size(), stdout);
 }

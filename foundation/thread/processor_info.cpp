@@ -13,7 +13,11 @@ namespace {
 
 bool read_topology_value(int cpu, const char* key, long& value)
 {
-    std::ifstream file("/sys/devices/system/cpu/cpu" + std::to_string(cpu) + "/topology/" + key);
+    std::string path = "/sys/devices/system/cpu/cpu";
+    path += std::to_string(cpu);
+    path += "/topology/";
+    path += key;
+    std::ifstream file(path);
     return static_cast<bool>(file >> value);
 }
 

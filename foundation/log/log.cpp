@@ -105,11 +105,22 @@ void LogSystem::ScheduleFlush()
     if (!timer)
         timer = g_timer_thread;
     if (!timer) {
-        if (!t_flushing_inline) {
-            t_flushing_inline = true;
-            Flush();
-            t_flushing_inline = false;
-        }
+        if (t_flushing_inline)
+            return;
+        // Also when a listener throws: the thread and this log must not stay marked as flushing.
+        struct InlineFlush {
+            LogSystem& log;
+            explicit InlineFlush(LogSystem& owner) : log(owner) { t_flushing_inline = true; }
+            ~InlineFlush()
+            {
+                t_flushing_inline = false;
+                std::lock_guard lock(log.pending_lock_);
+                log.flush_scheduled_ = false;
+            }
+            InlineFlush(const InlineFlush&) = delete;
+            InlineFlush& operator=(const InlineFlush&) = delete;
+        } inline_flush(*this);
+        Flush();
         return;
     }
     timer->run_once(

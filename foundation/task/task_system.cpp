@@ -1,6 +1,7 @@
 #include "foundation/task/task_system.h"
 
 #include <algorithm>
+#include <chrono>
 
 #include "foundation/format.h"
 #include "foundation/log/log.h"
@@ -123,19 +124,12 @@ void task_system::worker::entry()
 {
     set_current_thread_name((format("Task worker #%1") << index).str());
     state.store(1);
-    for (;;) {
-        if (std::shared_ptr<task> t = system->next_task(*this))
-            system->finish(t);
-        else if (state.load() != 1)
-            break;
-    }
+    system->work(*this);
     state.store(0);
 }
 
-std::shared_ptr<task> task_system::next_task(worker& w)
+std::shared_ptr<task> task_system::take_next_locked(worker& w)
 {
-    std::unique_lock lock(lock_);
-    work_available_.wait(lock, [&] { return !shared_queue_.empty() || !w.queue.empty() || w.state.load() != 1; });
     std::shared_ptr<task> t;
     {
         // The own queue goes first, whatever the priorities in the shared queue.
@@ -154,6 +148,50 @@ std::shared_ptr<task> task_system::next_task(worker& w)
     return t;
 }
 
+void task_system::work(worker& w)
+{
+    // The lock is held between tasks, so that finishing one and taking the next cost one
+    // acquisition. A finished task is released outside the lock, since its destructor may reach
+    // back into the system.
+    std::shared_ptr<task> finished;
+    std::unique_lock lock(lock_);
+    for (;;) {
+        const bool has_work = !shared_queue_.empty() || !w.queue.empty();
+        if (!has_work && w.state.load() == 1) {
+            if (finished) {
+                lock.unlock();
+                finished.reset();
+                lock.lock();
+                continue;
+            }
+            if (linger_for_work(w, lock))
+                continue;
+            while (shared_queue_.empty() && w.queue.empty() && w.state.load() == 1) {
+                ++sleeping_workers_;
+                work_available_.wait(lock);
+                --sleeping_workers_;
+                if (wakes_pending_ > 0)
+                    --wakes_pending_;
+            }
+        }
+        std::shared_ptr<task> t = take_next_locked(w);
+        // A worker leaves only when both its queues are empty: a stop drains pending work.
+        if (!t && w.state.load() != 1)
+            break;
+        if (!t)
+            continue;
+        lock.unlock();
+        finished.reset();
+        t->run();
+        lock.lock();
+        if (finish_locked(t, lock))
+            task_finished_.notify_all();
+        finished = std::move(t);
+    }
+    lock.unlock();
+    finished.reset();
+}
+
 void task_system::insert_by_priority(task_list& queue, std::shared_ptr<task> t)
 {
     // Behind the last task of equal or higher priority: equal priorities keep their order.
@@ -166,8 +204,64 @@ void task_system::insert_by_priority(task_list& queue, std::shared_ptr<task> t)
 void task_system::run_task(const std::shared_ptr<task>& t, const std::shared_ptr<task_set>& set, std::uint8_t affinity,
                            std::int8_t priority)
 {
-    schedule_task(t, set, affinity, priority);
-    dispatch_task(t);
+    // The common case, unpinned work on running workers, takes the lock once for both steps.
+    if (affinity != task::kAnyWorker || worker_count_.load() == 0) {
+        schedule_task(t, set, affinity, priority);
+        dispatch_task(t);
+        return;
+    }
+    t->affinity = affinity;
+    t->priority = priority;
+    t->scheduled_cycle = cycle_.load();
+    t->set = set;
+    bool waiters_asleep = false;
+    bool wake_worker = false;
+    {
+        std::lock_guard lock(lock_);
+        if (set) {
+            if (!is_set_active_locked(set))
+                active_sets_.push_back(set);
+            set->counter.fetch_add(1);
+        }
+        // Stopping: the task is dropped, and its set stays open.
+        if (workers_[0].state.load() != 1)
+            return;
+        insert_by_priority(shared_queue_, t);
+        work_epoch_.fetch_add(1, std::memory_order_relaxed);
+        waiters_asleep = sleeping_task_waiters_ + sleeping_set_waiters_ > 0;
+        wake_worker = claim_worker_wake();
+    }
+    if (wake_worker)
+        work_available_.notify_one();
+    if (waiters_asleep)
+        task_finished_.notify_all();
+}
+
+bool task_system::linger_for_work(worker& w, std::unique_lock<std::mutex>& held)
+{
+    // Work tends to come in bursts a few microseconds apart (a batch, its wait, the next batch).
+    // Yielding for a moment before sleeping catches the next burst without a wake-up, which costs
+    // far more than the yields on a virtualised machine.
+    constexpr auto kLinger = std::chrono::microseconds(50);
+    const std::uint64_t seen = work_epoch_.load(std::memory_order_relaxed);
+    held.unlock();
+    const auto until = std::chrono::steady_clock::now() + kLinger;
+    bool more = false;
+    while (!(more = work_epoch_.load(std::memory_order_relaxed) != seen) && w.state.load() == 1 &&
+           std::chrono::steady_clock::now() < until)
+        std::this_thread::yield();
+    held.lock();
+    return more;
+}
+
+bool task_system::claim_worker_wake()
+{
+    // One wake per sleeping worker: a worker that was signalled but has not run yet needs no second
+    // signal, and a burst of tasks then costs a few wake-ups instead of one each.
+    if (sleeping_workers_ <= wakes_pending_)
+        return false;
+    ++wakes_pending_;
+    return true;
 }
 
 void task_system::schedule_task(const std::shared_ptr<task>& t, const std::shared_ptr<task_set>& set,
@@ -202,11 +296,20 @@ void task_system::dispatch_task(const std::shared_ptr<task>& t)
     if (workers_[0].state.load() != 1)
         return;
     if (t->affinity == task::kAnyWorker) {
+        bool waiters_asleep = false;
+        bool wake_worker = false;
         {
             std::lock_guard lock(lock_);
             insert_by_priority(shared_queue_, t);
+            work_epoch_.fetch_add(1, std::memory_order_relaxed);
+            waiters_asleep = sleeping_task_waiters_ + sleeping_set_waiters_ > 0;
+            wake_worker = claim_worker_wake();
         }
-        work_available_.notify_one();
+        if (wake_worker)
+            work_available_.notify_one();
+        // Waiting threads help with unpinned work: let them see it.
+        if (waiters_asleep)
+            task_finished_.notify_all();
         return;
     }
     auto index = static_cast<std::uint64_t>(static_cast<std::int64_t>(static_cast<std::int8_t>(t->affinity)));
@@ -219,12 +322,16 @@ void task_system::dispatch_task(const std::shared_ptr<task>& t)
         run_at_once(t);
         return;
     }
+    bool workers_asleep = false;
     {
         std::lock_guard lock(lock_);
         insert_by_priority(w.queue, t);
+        work_epoch_.fetch_add(1, std::memory_order_relaxed);
+        workers_asleep = sleeping_workers_ > 0;
     }
     // Every worker wakes: only the addressed one may take the task, and all share one condition.
-    work_available_.notify_all();
+    if (workers_asleep)
+        work_available_.notify_all();
 }
 
 void task_system::run_at_once(const std::shared_ptr<task>& t)
@@ -240,20 +347,32 @@ void task_system::finish(const std::shared_ptr<task>& t)
 {
     t->run();
     std::unique_lock lock(lock_);
+    const bool wake = finish_locked(t, lock);
+    lock.unlock();
+    if (wake)
+        task_finished_.notify_all();
+}
+
+bool task_system::finish_locked(const std::shared_ptr<task>& t, std::unique_lock<std::mutex>& held)
+{
     erase_first(running_tasks_, t);
+    const std::uint64_t closed_before = closed_sets_;
     auto continuations =
         take_matching(task_continuations_, [&](const task_continuation& c) { return c.dependency == t; });
-    lock.unlock();
-    // Scheduled under the finished task's set before that set is closed, so it stays open.
-    for (const task_continuation& c : continuations) {
-        schedule_task(c.continuation, t->set, c.affinity, c.priority);
-        dispatch_task(c.continuation);
+    if (!continuations.empty()) {
+        held.unlock();
+        // Scheduled under the finished task's set before that set is closed, so it stays open.
+        for (const task_continuation& c : continuations) {
+            schedule_task(c.continuation, t->set, c.affinity, c.priority);
+            dispatch_task(c.continuation);
+        }
+        held.lock();
     }
-    lock.lock();
     if (t->set)
-        close_set_locked(t->set, lock);
-    lock.unlock();
-    task_finished_.notify_all();
+        close_set_locked(t->set, held);
+    // Waiters for tasks care about every end, waiters for sets only about a set that closed; the
+    // others sleep on, which spares a wake-up per task in the common batch-and-wait pattern.
+    return sleeping_task_waiters_ > 0 || (sleeping_set_waiters_ > 0 && closed_sets_ != closed_before);
 }
 
 void task_system::close_set_locked(const std::shared_ptr<task_set>& set, std::unique_lock<std::mutex>& held)
@@ -274,6 +393,7 @@ void task_system::close_set_locked(const std::shared_ptr<task_set>& set, std::un
     for (const set_link& l : links)
         close_set_locked(l.dependent, held);
     erase_first(active_sets_, set);
+    ++closed_sets_;
 }
 
 void task_system::run_task_after_task(const std::shared_ptr<task>& t, const std::shared_ptr<task>& dependency,
@@ -380,7 +500,13 @@ void task_system::help_with(task_list::iterator it, std::unique_lock<std::mutex>
     shared_queue_.erase(it);
     running_tasks_.push_back(t);
     held.unlock();
-    finish(t);
+    t->run();
+    held.lock();
+    if (finish_locked(t, held))
+        task_finished_.notify_all();
+    // Released outside the lock: the destructor may reach back into the system.
+    held.unlock();
+    t.reset();
     held.lock();
 }
 
@@ -389,7 +515,7 @@ void task_system::wait_for_task(const std::shared_ptr<task>& t)
     std::unique_lock lock(lock_);
     while (is_task_pending_locked(t)) {
         if (shared_queue_.empty())
-            task_finished_.wait(lock);
+            sleep_until_task_finished(lock, sleeping_task_waiters_);
         else
             help_with(shared_queue_.begin(), lock);
     }
@@ -400,7 +526,7 @@ void task_system::wait_for_task_set(const std::shared_ptr<task_set>& set)
     std::unique_lock lock(lock_);
     while (is_set_active_locked(set)) {
         if (shared_queue_.empty()) {
-            task_finished_.wait(lock);
+            sleep_until_task_finished(lock, sleeping_set_waiters_);
             continue;
         }
         // The set's own work first, otherwise any unpinned work.
@@ -426,10 +552,17 @@ void task_system::wait_for_all()
         if (open == 0)
             return;
         if (shared_queue_.empty())
-            task_finished_.wait(lock);
+            sleep_until_task_finished(lock, sleeping_task_waiters_);
         else
             help_with(shared_queue_.begin(), lock);
     }
+}
+
+void task_system::sleep_until_task_finished(std::unique_lock<std::mutex>& held, std::size_t& sleepers)
+{
+    ++sleepers;
+    task_finished_.wait(held);
+    --sleepers;
 }
 
 void task_system::age_worker_queue(std::uint64_t count, std::uint64_t worker_index)

@@ -107,14 +107,25 @@ private:
         task_list queue;
     };
 
-    std::shared_ptr<task> next_task(worker& w);
+    // The worker's loop: runs pinned and shared tasks until a stop finds both queues empty.
+    void work(worker& w);
+    std::shared_ptr<task> take_next_locked(worker& w);
     void run_at_once(const std::shared_ptr<task>& t);
+    // Runs the task and goes through its end: continuations, set, waking the waiters.
     void finish(const std::shared_ptr<task>& t);
+    // The end of a task that ran, entered and left with `held` locked. True when waiters are to wake.
+    bool finish_locked(const std::shared_ptr<task>& t, std::unique_lock<std::mutex>& held);
     void close_set_locked(const std::shared_ptr<task_set>& set, std::unique_lock<std::mutex>& held);
     bool is_task_pending_locked(const std::shared_ptr<task>& t);
     bool is_set_active_locked(const std::shared_ptr<task_set>& set) const;
     // Moves `t` from the shared queue to running_tasks, runs it here, and takes `held` again.
     void help_with(task_list::iterator it, std::unique_lock<std::mutex>& held);
+    // Sleeps on task_finished, counted in `sleepers` so that finishing tasks know whom to wake.
+    void sleep_until_task_finished(std::unique_lock<std::mutex>& held, std::size_t& sleepers);
+    // Under the lock: whether to signal one more sleeping worker for new shared work.
+    bool claim_worker_wake();
+    // Briefly waits, without the lock and without sleeping, for new work. True if some came.
+    bool linger_for_work(worker& w, std::unique_lock<std::mutex>& held);
     static void insert_by_priority(task_list& queue, std::shared_ptr<task> t);
 
     mutable std::mutex lock_;
@@ -126,6 +137,12 @@ private:
     std::vector<set_continuation> set_continuations_;
     std::vector<task_continuation> task_continuations_;
     std::vector<set_link> set_links_;
+    std::atomic<std::uint64_t> work_epoch_{0};  // raised on every insertion into a queue
+    std::size_t sleeping_workers_ = 0;          // in the wait for work
+    std::size_t wakes_pending_ = 0;             // signals sent to sleeping workers, not yet taken
+    std::size_t sleeping_task_waiters_ = 0;     // in wait_for_task or wait_for_all
+    std::size_t sleeping_set_waiters_ = 0;      // in wait_for_task_set
+    std::uint64_t closed_sets_ = 0;             // sets that left active_sets so far
     std::atomic<std::uint64_t> worker_count_{0};
     std::unique_ptr<worker[]> workers_;
     std::atomic<std::uint64_t> cycle_{0};

@@ -433,6 +433,30 @@ TEST(TaskSystemWait, WaiterRunsSharedWorkItselfAndPrefersItsOwnSet)
     system.stop();
 }
 
+TEST(TaskSystemWait, SleepingWaiterWakesToRunSharedWorkQueuedLater)
+{
+    task_system system;
+    ASSERT_TRUE(system.start(1));
+    Blocker blocker;
+    system.run_task(blocker.task, nullptr, 0, 0);
+    blocker.started.wait();
+    auto set = std::make_shared<task_set>();
+    system.retain_set(set);
+    auto late = make_task();
+    std::thread producer([&] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        system.run_task(late, set, task::kAnyWorker, 0);
+        system.close_set(set);
+    });
+    // The only worker is held: the waiter itself must take the task that arrives while it sleeps.
+    system.wait_for_task_set(set);
+    EXPECT_EQ(late->runs(), 1);
+    EXPECT_EQ(late->runner(), std::this_thread::get_id());
+    producer.join();
+    blocker.release.open();
+    system.stop();
+}
+
 TEST(TaskSystemWait, WaitForTaskReturnsOnlyAfterThePinnedTaskRan)
 {
     task_system system;

@@ -81,10 +81,32 @@ public:
                 frame.file = file;
                 frame.line = line_number;
             }
+            return;
         }
+        FindLineByUnitRanges(module, lookup, frame);
     }
 
 private:
+    // The look-up above relies on an address index (.debug_aranges) that clang does not emit;
+    // without it, the compile units are asked one by one whether they cover the address.
+    static void FindLineByUnitRanges(Dwfl_Module* module, Dwarf_Addr lookup, CallstackFrame& frame)
+    {
+        Dwarf_Addr bias = 0;
+        for (Dwarf_Die* unit = dwfl_module_nextcu(module, nullptr, &bias); unit;
+             unit = dwfl_module_nextcu(module, unit, &bias)) {
+            if (dwarf_haspc(unit, lookup - bias) <= 0)
+                continue;
+            Dwarf_Line* line = dwarf_getsrc_die(unit, lookup - bias);
+            int line_number = 0;
+            const char* file = line ? dwarf_linesrc(line, nullptr, nullptr) : nullptr;
+            if (file && dwarf_lineno(line, &line_number) == 0) {
+                frame.file = file;
+                frame.line = line_number;
+            }
+            return;
+        }
+    }
+
     Dwfl_Callbacks callbacks_{};
     Dwfl* dwfl_ = nullptr;
 };

@@ -1,5 +1,7 @@
 #include "foundation/task/task_system.h"
 
+#include <pthread.h>
+
 #include <algorithm>
 #include <chrono>
 
@@ -44,6 +46,17 @@ void erase_first(List& list, const Value& value)
 }
 
 }  // namespace
+
+task_system::task_system()
+{
+    // The lock guards short sections that every thread enters once or twice per task. An adaptive
+    // mutex spins briefly before sleeping in the kernel, which is much cheaper for such sections.
+    pthread_mutexattr_t attributes;
+    pthread_mutexattr_init(&attributes);
+    pthread_mutexattr_settype(&attributes, PTHREAD_MUTEX_ADAPTIVE_NP);
+    pthread_mutex_init(lock_.native_handle(), &attributes);
+    pthread_mutexattr_destroy(&attributes);
+}
 
 task_system::~task_system() { stop(); }
 

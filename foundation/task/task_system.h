@@ -18,7 +18,7 @@ namespace kesta {
 
 class task_system {
 public:
-    task_system() = default;
+    task_system();
     ~task_system();
     task_system(const task_system&) = delete;
     task_system& operator=(const task_system&) = delete;

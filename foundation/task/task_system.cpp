@@ -227,8 +227,7 @@ void task_system::run_task(const std::shared_ptr<task>& t, const std::shared_ptr
     t->priority = priority;
     t->scheduled_cycle = cycle_.load();
     t->set = set;
-    bool waiters_asleep = false;
-    bool wake_worker = false;
+    wake_plan wakes;
     {
         std::lock_guard lock(lock_);
         if (set) {
@@ -239,14 +238,24 @@ void task_system::run_task(const std::shared_ptr<task>& t, const std::shared_ptr
         // Stopping: the task is dropped, and its set stays open.
         if (workers_[0].state.load() != 1)
             return;
-        insert_by_priority(shared_queue_, t);
-        work_epoch_.fetch_add(1, std::memory_order_relaxed);
-        waiters_asleep = sleeping_task_waiters_ + sleeping_set_waiters_ > 0;
-        wake_worker = claim_worker_wake();
+        wakes = queue_shared_locked(t);
     }
-    if (wake_worker)
+    wake(wakes);
+}
+
+task_system::wake_plan task_system::queue_shared_locked(const std::shared_ptr<task>& t)
+{
+    insert_by_priority(shared_queue_, t);
+    work_epoch_.fetch_add(1, std::memory_order_relaxed);
+    // Waiting threads help with unpinned work: sleeping ones are woken to see it.
+    return {claim_worker_wake(), sleeping_task_waiters_ + sleeping_set_waiters_ > 0};
+}
+
+void task_system::wake(wake_plan plan)
+{
+    if (plan.worker)
         work_available_.notify_one();
-    if (waiters_asleep)
+    if (plan.waiters)
         task_finished_.notify_all();
 }
 
@@ -309,20 +318,12 @@ void task_system::dispatch_task(const std::shared_ptr<task>& t)
     if (workers_[0].state.load() != 1)
         return;
     if (t->affinity == task::kAnyWorker) {
-        bool waiters_asleep = false;
-        bool wake_worker = false;
+        wake_plan wakes;
         {
             std::lock_guard lock(lock_);
-            insert_by_priority(shared_queue_, t);
-            work_epoch_.fetch_add(1, std::memory_order_relaxed);
-            waiters_asleep = sleeping_task_waiters_ + sleeping_set_waiters_ > 0;
-            wake_worker = claim_worker_wake();
+            wakes = queue_shared_locked(t);
         }
-        if (wake_worker)
-            work_available_.notify_one();
-        // Waiting threads help with unpinned work: let them see it.
-        if (waiters_asleep)
-            task_finished_.notify_all();
+        wake(wakes);
         return;
     }
     auto index = static_cast<std::uint64_t>(static_cast<std::int64_t>(static_cast<std::int8_t>(t->affinity)));

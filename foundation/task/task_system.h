@@ -122,6 +122,14 @@ private:
     void help_with(task_list::iterator it, std::unique_lock<std::mutex>& held);
     // Sleeps on task_finished, counted in `sleepers` so that finishing tasks know whom to wake.
     void sleep_until_task_finished(std::unique_lock<std::mutex>& held, std::size_t& sleepers);
+    struct wake_plan {
+        bool worker = false;   // one sleeping worker, for new shared work
+        bool waiters = false;  // every sleeping waiter
+    };
+    // Under the lock: puts an unpinned task in the shared queue and says whom to wake.
+    wake_plan queue_shared_locked(const std::shared_ptr<task>& t);
+    // Without the lock: sends the signals of the plan.
+    void wake(wake_plan plan);
     // Under the lock: whether to signal one more sleeping worker for new shared work.
     bool claim_worker_wake();
     // Briefly waits, without the lock and without sleeping, for new work. True if some came.

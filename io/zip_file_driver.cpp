@@ -11,6 +11,7 @@
 #include "io/path.h"
 #include "io/wildcard.h"
 #include "io/zip_archive_io.h"
+#include "io/zip_encrypted_entry.h"
 
 namespace kesta {
 
@@ -124,12 +125,26 @@ bool ZipFileDriver::InflateToCache(const std::string& name, const unz_file_info6
         return false;
     }
 
-    const int opened =
-        password_.empty() ? unzOpenCurrentFile(archive_) : unzOpenCurrentFilePassword(archive_, password_.c_str());
-    if (opened != UNZ_OK) {
+    const EntryReadResult result = (info.flag & kEncryptedFlag)
+                                       ? ReadEncryptedEntry(archive_, info, password_, archive_size, bytes)
+                                       : ReadPlainEntry(bytes);
+    if (result == EntryReadResult::kOpenFailed) {
         error((format("Failed to open file '%1'") << name).str());
         return false;
     }
+    if (result == EntryReadResult::kReadFailed) {
+        error((format("Failed to read file '%1'") << name).str());
+        return false;
+    }
+
+    const std::shared_ptr<FileHandle> writer = cache_->Open(name, kFileWrite);
+    return writer && writer->Write(bytes.data(), bytes.size()) == bytes.size();
+}
+
+EntryReadResult ZipFileDriver::ReadPlainEntry(std::vector<std::uint8_t>& bytes)
+{
+    if (unzOpenCurrentFile(archive_) != UNZ_OK)
+        return EntryReadResult::kOpenFailed;
     std::uint64_t done = 0;
     while (done < bytes.size()) {
         const auto piece = static_cast<unsigned>(std::min<std::uint64_t>(bytes.size() - done, kReadPiece));
@@ -138,16 +153,10 @@ bool ZipFileDriver::InflateToCache(const std::string& name, const unz_file_info6
             break;
         done += static_cast<std::uint64_t>(count);
     }
-    // Closing checks the CRC once the whole entry was read: a wrong password or damaged data that
-    // still inflated to the right length is caught here.
+    // Closing checks the CRC once the whole entry was read: damaged data that still inflated to
+    // the right length is caught here.
     const int closed = unzCloseCurrentFile(archive_);
-    if (done < bytes.size() || closed != UNZ_OK) {
-        error((format("Failed to read file '%1'") << name).str());
-        return false;
-    }
-
-    const std::shared_ptr<FileHandle> writer = cache_->Open(name, kFileWrite);
-    return writer && writer->Write(bytes.data(), bytes.size()) == bytes.size();
+    return done == bytes.size() && closed == UNZ_OK ? EntryReadResult::kOk : EntryReadResult::kReadFailed;
 }
 
 void ZipFileDriver::Close(FileHandle& handle)

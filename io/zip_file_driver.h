@@ -12,6 +12,7 @@
 #include <string>
 
 #include "io/file_driver.h"
+#include "io/zip_encrypted_entry.h"
 
 namespace kesta {
 
@@ -63,6 +64,7 @@ private:
     std::shared_ptr<FileHandle> MapStoredEntry(const std::string& name);
     // Leaves the entry's bytes in the cache under its name, or logs and gives false.
     bool InflateToCache(const std::string& name, const unz_file_info64& info);
+    EntryReadResult ReadPlainEntry(std::vector<std::uint8_t>& bytes);
 
     std::mutex lock_;
     std::shared_ptr<FileHandle> archive_handle_;

@@ -31,6 +31,17 @@ std::shared_ptr<FileHandle> MemoryFileDriver::Open(std::string_view path, std::u
     return std::make_shared<IOMemoryHandle>(shared_from_this(), std::move(file), mode);
 }
 
+void MemoryFileDriver::AddFile(std::string_view name, std::vector<std::uint8_t> bytes)
+{
+    auto file = std::make_shared<MemoryFile>();
+    file->name = std::string(name);
+    file->size = static_cast<std::int64_t>(bytes.size());
+    file->data = std::move(bytes);
+    std::lock_guard guard(lock_);
+    std::erase_if(files_, [name](const std::shared_ptr<MemoryFile>& existing) { return existing->name == name; });
+    files_.push_back(std::move(file));
+}
+
 void MemoryFileDriver::Close(FileHandle&)
 {
     // The file stays until deleted; the handle's reference goes with the handle.

@@ -39,6 +39,9 @@ public:
     // Reading needs an existing file; writing creates a missing one and keeps an existing one's
     // content, starting at its beginning.
     std::shared_ptr<FileHandle> Open(std::string_view path, std::uint32_t mode) override;
+    // Makes a file that takes over the bytes without copying them, in place of any file of that
+    // name (handles open on the old one keep its content).
+    void AddFile(std::string_view name, std::vector<std::uint8_t> bytes);
     void Close(FileHandle& handle) override;
     bool Delete(std::string_view path) override;
     std::int64_t Tell(FileHandle& handle) override;

@@ -115,6 +115,22 @@ TEST_F(MemoryFileDriverTest, DeletedFileLivesOnInOpenHandles)
     EXPECT_EQ(read_all(*handle), "still here");
 }
 
+TEST_F(MemoryFileDriverTest, AddedFileTakesOverItsBytesAndReplacesTheOldOne)
+{
+    WriteFile("f", "old content");
+    auto old_reader = driver->Open("f", kFileRead);
+    std::vector<std::uint8_t> bytes = {'n', 'e', 'w'};
+    const std::uint8_t* storage = bytes.data();
+    driver->AddFile("f", std::move(bytes));
+
+    auto reader = std::static_pointer_cast<IOMemoryHandle>(driver->Open("f", kFileRead));
+    EXPECT_EQ(reader->file->data.data(), storage);
+    EXPECT_EQ(read_all(*reader), "new");
+    EXPECT_EQ(read_all(*old_reader), "old content");
+    EXPECT_TRUE(driver->Delete("f"));
+    EXPECT_FALSE(driver->Open("f", kFileRead));
+}
+
 TEST_F(MemoryFileDriverTest, FileHashIsTheSha1OfTheContent)
 {
     WriteFile("abc", "abc");

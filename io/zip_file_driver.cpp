@@ -137,8 +137,9 @@ bool ZipFileDriver::InflateToCache(const std::string& name, const unz_file_info6
         return false;
     }
 
-    const std::shared_ptr<FileHandle> writer = cache_->Open(name, kFileWrite);
-    return writer && writer->Write(bytes.data(), bytes.size()) == bytes.size();
+    // The inflated bytes become the cache's file as they are: 16 MiB are not copied twice.
+    cache_->AddFile(name, std::move(bytes));
+    return true;
 }
 
 EntryReadResult ZipFileDriver::ReadPlainEntry(std::vector<std::uint8_t>& bytes)

@@ -12,6 +12,7 @@
 #include <string>
 
 #include "io/file_driver.h"
+#include "io/memory_file_driver.h"
 #include "io/zip_encrypted_entry.h"
 
 namespace kesta {
@@ -72,7 +73,7 @@ private:
     unzFile archive_ = nullptr;
     const std::string password_;
     std::map<std::string, UnzippedEntry> opened_files_;
-    const std::shared_ptr<FileDriver> cache_;
+    const std::shared_ptr<MemoryFileDriver> cache_;
 };
 
 }  // namespace kesta

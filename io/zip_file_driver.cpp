@@ -79,7 +79,7 @@ std::shared_ptr<FileHandle> ZipFileDriver::Open(std::string_view path, std::uint
             return nullptr;
         // An encrypted entry must be decrypted even when it is stored, so it takes the cache path.
         if (info.compression_method == 0 && !(info.flag & kEncryptedFlag))
-            return MapStoredEntry(name);
+            return MapStoredEntry(name, info);
         if (!InflateToCache(name, info))
             return nullptr;
         cached = cache_->Open(name, kFileRead);
@@ -93,15 +93,13 @@ std::shared_ptr<FileHandle> ZipFileDriver::Open(std::string_view path, std::uint
     return std::make_shared<ZipHandle>(shared_from_this(), std::move(cached), &record);
 }
 
-std::shared_ptr<FileHandle> ZipFileDriver::MapStoredEntry(const std::string& name)
+std::shared_ptr<FileHandle> ZipFileDriver::MapStoredEntry(const std::string& name, const unz_file_info64& info)
 {
     if (unzOpenCurrentFile(archive_) != UNZ_OK) {
         error((format("Failed to open file '%1'") << name).str());
         return nullptr;
     }
     const ZPOS64_T position = unzGetCurrentFileZStreamPos64(archive_);
-    unz_file_info64 info{};
-    unzGetCurrentFileInfo64(archive_, &info, nullptr, 0, nullptr, 0, nullptr, 0);
     unzCloseCurrentFile(archive_);
     debug((format("Mapping zip segment to '%1' @%2") << name << position).str());
     return std::make_shared<FileHandleSegment>(shared_from_this(), archive_handle_, position, info.uncompressed_size);
@@ -137,7 +135,7 @@ bool ZipFileDriver::InflateToCache(const std::string& name, const unz_file_info6
         return false;
     }
 
-    // The inflated bytes become the cache's file as they are: 16 MiB are not copied twice.
+    // The inflated bytes become the cache's file as they are, so a large entry is never held twice.
     cache_->AddFile(name, std::move(bytes));
     return true;
 }

@@ -62,7 +62,7 @@ public:
     bool IsDir(std::string_view path) override;
 
 private:
-    std::shared_ptr<FileHandle> MapStoredEntry(const std::string& name);
+    std::shared_ptr<FileHandle> MapStoredEntry(const std::string& name, const unz_file_info64& info);
     // Leaves the entry's bytes in the cache under its name, or logs and gives false.
     bool InflateToCache(const std::string& name, const unz_file_info64& info);
     EntryReadResult ReadPlainEntry(std::vector<std::uint8_t>& bytes);

@@ -79,6 +79,34 @@ TEST_F(StdFileDriverTest, SizeAndEndTestLeaveThePositionAlone)
     EXPECT_EQ(handle->Seek(-1, kSeekStart), -1);
 }
 
+TEST_F(StdFileDriverTest, ClosedHandleRefusesEveryOperation)
+{
+    folder.Write("f", "abc");
+    auto driver = std::make_shared<StdFileDriver>(folder.path());
+    auto handle = driver->Open("f", kFileRead);
+    driver->Close(*handle);
+    EXPECT_EQ(static_cast<CFileHandle&>(*handle).file, nullptr);
+    char buffer[3];
+    EXPECT_EQ(handle->Tell(), -1);
+    EXPECT_EQ(handle->Seek(0, kSeekStart), -1);
+    EXPECT_EQ(handle->Read(buffer, sizeof buffer), 0u);
+    EXPECT_EQ(handle->Write("x", 1), 0u);
+    EXPECT_EQ(handle->GetSize(), 0u);
+    EXPECT_TRUE(handle->IsEOF());
+    driver->Close(*handle);  // closing twice is harmless
+}
+
+TEST_F(StdFileDriverTest, ShortWriteReportsNothingWritten)
+{
+    if (!std::filesystem::exists("/dev/full"))
+        GTEST_SKIP() << "no /dev/full";
+    auto driver = std::make_shared<StdFileDriver>();
+    auto handle = driver->Open("/dev/full", kFileWrite);
+    ASSERT_TRUE(handle);
+    const std::string block(1 << 20, 'x');
+    EXPECT_EQ(handle->Write(block.data(), block.size()), 0u);
+}
+
 TEST_F(StdFileDriverTest, SandboxRefusesPathsThatClimbOutOfTheBase)
 {
     folder.Write("secret.txt", "outside");

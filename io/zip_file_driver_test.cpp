@@ -347,6 +347,20 @@ TEST(ZipFileDriverBadInput, TruncatedArchivesGiveNothingAndNeverCrash)
     }
 }
 
+TEST(ZipFileDriverBadInput, RandomBytesAreNoArchive)
+{
+    LogCapture captured;
+    std::mt19937 random(1234);
+    for (int round = 0; round < 50; ++round) {
+        std::vector<std::uint8_t> bytes(random() % 4096);
+        for (std::uint8_t& byte : bytes)
+            byte = static_cast<std::uint8_t>(random());
+        auto driver = std::make_shared<ZipFileDriver>(memory_archive(bytes));
+        EXPECT_FALSE(driver->HasArchive());
+        EXPECT_TRUE(driver->Dir("", "*", kDirFiles | kDirDirectories).empty());
+    }
+}
+
 TEST(ZipFileDriverBadInput, CorruptedDataFailsWithTheReadMessage)
 {
     LogCapture captured;

@@ -37,7 +37,7 @@ public:
     bool Fail(const std::string& path, const std::string& what)
     {
         if (error_.empty())
-            error_ = path + ": " + what;
+            error_ = (path.empty() ? std::string("document") : path) + ": " + what;
         return false;
     }
 

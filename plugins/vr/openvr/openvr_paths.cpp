@@ -16,19 +16,26 @@ const char* NonEmptyEnv(const char* name)
     return (value != nullptr && value[0] != '\0') ? value : nullptr;
 }
 
+// Null when the object has no such member. (Comparing RapidJSON's member iterators is ambiguous
+// under C++20's reversed operators, so lookups go through HasMember.)
+const rapidjson::Value* Member(const rapidjson::Value& object, const char* key)
+{
+    return object.HasMember(key) ? &object[key] : nullptr;
+}
+
 bool FirstString(const rapidjson::Value& object, const char* key, std::string& out)
 {
-    auto it = object.FindMember(key);
-    if (it == object.MemberEnd())
+    const rapidjson::Value* list = Member(object, key);
+    if (list == nullptr)
         return true;
-    if (!it->value.IsArray())
+    if (!list->IsArray())
         return false;
-    for (const auto& entry : it->value.GetArray()) {
+    for (const auto& entry : list->GetArray()) {
         if (!entry.IsString())
             return false;
     }
-    if (!it->value.Empty())
-        out = it->value[0].GetString();
+    if (!list->Empty())
+        out = (*list)[0].GetString();
     return true;
 }
 
@@ -53,11 +60,11 @@ bool ParseOpenVRPaths(std::string_view json, OpenVRPaths& paths)
     if (!FirstString(document, "runtime", parsed.runtime) || !FirstString(document, "config", parsed.config) ||
         !FirstString(document, "log", parsed.log))
         return false;
-    auto drivers = document.FindMember("external_drivers");
-    if (drivers != document.MemberEnd() && !drivers->value.IsNull()) {
-        if (!drivers->value.IsArray())
+    const rapidjson::Value* drivers = Member(document, "external_drivers");
+    if (drivers != nullptr && !drivers->IsNull()) {
+        if (!drivers->IsArray())
             return false;
-        for (const auto& entry : drivers->value.GetArray()) {
+        for (const auto& entry : drivers->GetArray()) {
             if (!entry.IsString())
                 return false;
             parsed.external_drivers.emplace_back(entry.GetString());

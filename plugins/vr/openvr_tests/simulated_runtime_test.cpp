@@ -20,6 +20,9 @@ using testing::VrSimIntrospection;
 
 constexpr float kTolerance = 1e-4f;
 
+// Note: the 64-bit fields of VRControllerState_t are only 4-byte aligned on Linux, so the assertions
+// below copy them (uint64_t{...}) instead of binding references to them.
+
 // Frame-scripted world used by most cases below: device 1 a left controller connected on frames 2 to 4
 // and 7 on, device 2 a right controller, 3 a tracker, 4 a tracking reference.
 constexpr const char* kScriptedWorld = R"({
@@ -130,7 +133,7 @@ TEST_F(SimulatedRuntimeTest, StringPropertiesFollowTheTwoCallProtocol)
     EXPECT_EQ(error, vr::TrackedProp_InvalidDevice);
     system_->GetFloatTrackedDeviceProperty(0, vr::Prop_SerialNumber_String, &error);
     EXPECT_EQ(error, vr::TrackedProp_WrongDataType);
-    system_->GetStringTrackedDeviceProperty(0, static_cast<vr::ETrackedDeviceProperty>(424242), buffer, 8, &error);
+    system_->GetStringTrackedDeviceProperty(0, static_cast<vr::ETrackedDeviceProperty>(4242), buffer, 8, &error);
     EXPECT_EQ(error, vr::TrackedProp_UnknownProperty);
     system_->GetStringTrackedDeviceProperty(0, vr::Prop_RenderModelName_String, buffer, 8, &error);
     EXPECT_EQ(error, vr::TrackedProp_ValueNotProvidedByDevice);
@@ -264,12 +267,12 @@ TEST_F(SimulatedRuntimeTest, ControllerStatesFollowTheScriptAndCheckTheStructSiz
     vr::VRControllerState_t state{};
     AdvanceTo(2);
     ASSERT_TRUE(system_->GetControllerState(1, &state, sizeof(state)));
-    EXPECT_EQ(state.ulButtonPressed, 0u);
+    EXPECT_EQ(uint64_t{state.ulButtonPressed}, 0u);
 
     AdvanceTo(3);
     ASSERT_TRUE(system_->GetControllerState(1, &state, sizeof(state)));
-    EXPECT_EQ(state.ulButtonPressed, uint64_t{1} << vr::k_EButton_SteamVR_Trigger);
-    EXPECT_EQ(state.ulButtonTouched, uint64_t{1} << vr::k_EButton_SteamVR_Trigger);
+    EXPECT_EQ(uint64_t{state.ulButtonPressed}, uint64_t{1} << vr::k_EButton_SteamVR_Trigger);
+    EXPECT_EQ(uint64_t{state.ulButtonTouched}, uint64_t{1} << vr::k_EButton_SteamVR_Trigger);
     EXPECT_FLOAT_EQ(state.rAxis[1].x, 0.75f);
     EXPECT_EQ(state.unPacketNum, 3u);
     // The Windows size (64) is refused on Linux, where the struct is packed to 60 bytes.
@@ -278,7 +281,7 @@ TEST_F(SimulatedRuntimeTest, ControllerStatesFollowTheScriptAndCheckTheStructSiz
     AdvanceTo(4);
     ASSERT_TRUE(system_->GetControllerState(1, &state, sizeof(state)));
     EXPECT_FLOAT_EQ(state.rAxis[1].x, 0.0f) << "the axis was scripted for frame 3 only";
-    EXPECT_NE(state.ulButtonPressed, 0u);
+    EXPECT_NE(uint64_t{state.ulButtonPressed}, 0u);
 
     AdvanceTo(5);
     EXPECT_FALSE(system_->GetControllerState(1, &state, sizeof(state))) << "disconnected on frame 5";
@@ -286,8 +289,8 @@ TEST_F(SimulatedRuntimeTest, ControllerStatesFollowTheScriptAndCheckTheStructSiz
     AdvanceTo(8);
     vr::TrackedDevicePose_t pose{};
     ASSERT_TRUE(system_->GetControllerStateWithPose(vr::TrackingUniverseStanding, 1, &state, sizeof(state), &pose));
-    EXPECT_EQ(state.ulButtonPressed, 0u);
-    EXPECT_EQ(state.ulButtonTouched, uint64_t{1} << vr::k_EButton_Grip);
+    EXPECT_EQ(uint64_t{state.ulButtonPressed}, 0u);
+    EXPECT_EQ(uint64_t{state.ulButtonTouched}, uint64_t{1} << vr::k_EButton_Grip);
     EXPECT_NEAR(pose.mDeviceToAbsoluteTracking.m[0][3], -0.2f, kTolerance);
     ASSERT_FALSE(system_->GetControllerState(0, &state, sizeof(state))) << "the headset has no controller state";
     vr::ETrackedPropertyError error = vr::TrackedProp_Success;

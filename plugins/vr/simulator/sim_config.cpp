@@ -151,8 +151,8 @@ public:
 
     const Value* Find(const Value& object, const char* key)
     {
-        auto it = object.FindMember(key);
-        return it == object.MemberEnd() ? nullptr : &it->value;
+        // Not FindMember: comparing its iterators is ambiguous under C++20's reversed operators.
+        return object.HasMember(key) ? &object[key] : nullptr;
     }
 
     static std::string Join(const std::string& path, const char* key) { return path.empty() ? key : path + "." + key; }

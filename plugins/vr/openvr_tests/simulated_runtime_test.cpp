@@ -5,6 +5,7 @@
 #include <chrono>
 #include <cmath>
 #include <cstring>
+#include <tuple>
 #include <vector>
 
 #include "plugins/vr/openvr/openvr.h"
@@ -325,6 +326,40 @@ TEST_F(SimulatedRuntimeTest, HapticPulsesAreRecordedForConnectedControllersOnly)
     EXPECT_EQ(pulse.frame, 5u);
     EXPECT_FALSE(sim.get_haptic_pulse(2, &pulse));
     EXPECT_EQ(sim.frame_count(), 5u);
+}
+
+TEST_F(SimulatedRuntimeTest, EventsTellOfConnectionsAndButtonChangesInOrder)
+{
+    Start(kScriptedWorld);
+    auto drain = [this] {
+        std::vector<std::tuple<uint32_t, uint32_t, uint32_t>> events;
+        vr::VREvent_t event{};
+        while (system_->PollNextEvent(&event, sizeof(event)))
+            events.emplace_back(event.eventType, event.trackedDeviceIndex, event.data.controller.button);
+        return events;
+    };
+    using E = std::tuple<uint32_t, uint32_t, uint32_t>;
+    // Frame 0: everything but the left controller is there from the start.
+    EXPECT_THAT(drain(), ::testing::ElementsAre(
+                             E{vr::VREvent_TrackedDeviceActivated, 0, 0}, E{vr::VREvent_TrackedDeviceActivated, 2, 0},
+                             E{vr::VREvent_TrackedDeviceActivated, 3, 0}, E{vr::VREvent_TrackedDeviceActivated, 4, 0}));
+    AdvanceTo(2);
+    EXPECT_THAT(drain(), ::testing::ElementsAre(E{vr::VREvent_TrackedDeviceActivated, 1, 0}));
+    AdvanceTo(3);
+    EXPECT_THAT(drain(), ::testing::ElementsAre(E{vr::VREvent_ButtonTouch, 1, 33}, E{vr::VREvent_ButtonPress, 1, 33}));
+    AdvanceTo(4);
+    EXPECT_THAT(drain(), ::testing::IsEmpty());
+    AdvanceTo(5);
+    EXPECT_THAT(drain(), ::testing::ElementsAre(E{vr::VREvent_TrackedDeviceDeactivated, 1, 0}));
+    AdvanceTo(9);
+    EXPECT_THAT(drain(), ::testing::ElementsAre(E{vr::VREvent_TrackedDeviceActivated, 1, 0},
+                                                E{vr::VREvent_ButtonTouch, 1, 2}, E{vr::VREvent_ButtonUntouch, 1, 2}));
+
+    // The event's size is checked: a caller built with another packing gets nothing.
+    AdvanceTo(10);
+    vr::VREvent_t event{};
+    EXPECT_FALSE(system_->PollNextEvent(&event, sizeof(event) + 4));
+    EXPECT_STREQ(system_->GetEventTypeNameFromEnum(vr::VREvent_ButtonPress), "VREvent_ButtonPress");
 }
 
 // Pacing is checked from below only: a wait may last longer on a loaded machine, never shorter.

@@ -8,6 +8,7 @@ namespace kesta::vrsim {
 SimRuntime::SimRuntime(SimConfig config)
     : config_(std::move(config)), devices_(config_), pacer_(config_.refresh_rate, config_.paced)
 {
+    events_.PostInitial(devices_);
 }
 
 uint64_t SimRuntime::frame() const
@@ -22,6 +23,7 @@ uint64_t SimRuntime::BeginFrame()
     pacer_.WaitForNextFrame();
     std::lock_guard lock(mutex_);
     ++frame_;
+    events_.PostChanges(devices_, frame_);
     for (uint32_t i = 0; i < vr::k_unMaxTrackedDeviceCount; ++i)
         last_poses_[i] = devices_.PoseAt(i, frame_);
     return frame_;
@@ -43,6 +45,12 @@ void SimRuntime::LastPoses(vr::TrackedDevicePose_t* poses, uint32_t count) const
 {
     std::lock_guard lock(mutex_);
     std::copy_n(last_poses_, std::min(count, vr::k_unMaxTrackedDeviceCount), poses);
+}
+
+bool SimRuntime::PopEvent(vr::VREvent_t& event)
+{
+    std::lock_guard lock(mutex_);
+    return events_.Pop(event);
 }
 
 bool SimRuntime::MarkSubmitted(vr::EVREye eye)

@@ -7,6 +7,7 @@
 
 #include "plugins/vr/openvr/openvr.h"
 #include "plugins/vr/simulator/device_table.h"
+#include "plugins/vr/simulator/event_queue.h"
 #include "plugins/vr/simulator/frame_pacer.h"
 #include "plugins/vr/simulator/sim_config.h"
 #include "plugins/vr/simulator/vrsim_api.h"
@@ -40,6 +41,9 @@ public:
     // Poses of the current frame as WaitGetPoses returned them last (all invalid before the first).
     void LastPoses(vr::TrackedDevicePose_t* poses, uint32_t count) const;
 
+    // The oldest waiting event, if any.
+    bool PopEvent(vr::VREvent_t& event);
+
     // False when the eye was already submitted during the current frame.
     bool MarkSubmitted(vr::EVREye eye);
     void RecordSubmission(const VrSimSubmission& submission);
@@ -65,6 +69,7 @@ private:
     uint64_t frame_ = 0;
     vr::ETrackingUniverseOrigin tracking_space_ = vr::TrackingUniverseStanding;
     vr::TrackedDevicePose_t last_poses_[vr::k_unMaxTrackedDeviceCount]{};
+    EventQueue events_;
     uint64_t submitted_frame_[2] = {UINT64_MAX, UINT64_MAX};
     std::deque<VrSimSubmission> submissions_;
     std::deque<VrSimHapticPulse> haptic_pulses_;

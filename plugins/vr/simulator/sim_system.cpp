@@ -343,11 +343,23 @@ const char* SimSystem::GetPropErrorNameFromEnum(vr::ETrackedPropertyError error)
     return name != nullptr ? name : "Unknown property error";
 }
 
-// The simulation sends no events: devices and buttons are read by polling.
-bool SimSystem::PollNextEvent(vr::VREvent_t*, uint32_t) { return false; }
-bool SimSystem::PollNextEventWithPose(vr::ETrackingUniverseOrigin, vr::VREvent_t*, uint32_t, vr::TrackedDevicePose_t*)
+// Events tell of devices that connect or disconnect and of buttons that change, frame by frame. A size
+// other than this platform's sizeof(VREvent_t) is refused, as the event's layout would not match.
+bool SimSystem::PollNextEvent(vr::VREvent_t* pEvent, uint32_t uncbVREvent)
 {
-    return false;
+    if (pEvent == nullptr || uncbVREvent != sizeof(vr::VREvent_t))
+        return false;
+    return runtime_.PopEvent(*pEvent);
+}
+
+bool SimSystem::PollNextEventWithPose(vr::ETrackingUniverseOrigin, vr::VREvent_t* pEvent, uint32_t uncbVREvent,
+                                      vr::TrackedDevicePose_t* pTrackedDevicePose)
+{
+    if (!PollNextEvent(pEvent, uncbVREvent))
+        return false;
+    if (pTrackedDevicePose != nullptr)
+        *pTrackedDevicePose = runtime_.devices().PoseAt(pEvent->trackedDeviceIndex, runtime_.frame());
+    return true;
 }
 
 const char* SimSystem::GetEventTypeNameFromEnum(vr::EVREventType eType)

@@ -6,7 +6,7 @@
 namespace kesta::vrsim {
 
 // IVRSystem_017 of the simulated runtime. Display, device and input queries answer from the
-// configuration; what a simulation has no use for (events, distortion meshes, firmware, input focus)
+// configuration; what a simulation has no use for (distortion meshes, firmware, input focus)
 // gives the official empty answer, as noted at each method.
 class SimSystem final : public vr::IVRSystem {
 public:

@@ -37,7 +37,12 @@ static_assert(sizeof(VRControllerAxis_t) == 8);
 static_assert(offsetof(VREvent_t, data) == 12);
 static_assert(alignof(VREvent_t) == 4);
 
+static_assert(sizeof(VREvent_t) == 12 + sizeof(VREvent_Data_t));
+
 static_assert(sizeof(HiddenAreaMesh_t) == 16);
+static_assert(offsetof(Compositor_FrameTiming, m_flSystemTimeInSeconds) == 24);
+static_assert(offsetof(Compositor_FrameTiming, m_HmdPose) == 96);
+static_assert(sizeof(Compositor_FrameTiming) == 176);
 static_assert(sizeof(Compositor_CumulativeStats) == 15 * 4);
 
 // Enumerations travel as 32-bit integers through the interfaces.

@@ -2,9 +2,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <chrono>
 #include <cmath>
 #include <cstring>
+#include <thread>
 #include <tuple>
 #include <vector>
 
@@ -360,6 +362,39 @@ TEST_F(SimulatedRuntimeTest, EventsTellOfConnectionsAndButtonChangesInOrder)
     vr::VREvent_t event{};
     EXPECT_FALSE(system_->PollNextEvent(&event, sizeof(event) + 4));
     EXPECT_STREQ(system_->GetEventTypeNameFromEnum(vr::VREvent_ButtonPress), "VREvent_ButtonPress");
+}
+
+// The VR output polls devices on its render thread, but an application may ask from another thread
+// while frames go on: every answer must belong to one frame, and frames never go backwards.
+TEST_F(SimulatedRuntimeTest, QueriesFromAnotherThreadSeeWholeFramesInOrder)
+{
+    Start(kScriptedWorld);
+    std::atomic<bool> done{false};
+    std::atomic<uint64_t> reads{0};
+    uint64_t backwards = 0, torn = 0;
+    std::thread reader([&] {
+        uint64_t last = 0;
+        while (!done.load()) {
+            uint64_t frame = 0;
+            system_->GetTimeSinceLastVsync(nullptr, &frame);
+            vr::VRControllerState_t state{};
+            if (system_->GetControllerState(2, &state, sizeof(state)) && state.unPacketNum < frame)
+                ++torn;
+            backwards += frame < last ? 1 : 0;
+            last = frame;
+            ++reads;
+        }
+    });
+    // Frames go on until the reader has overlapped with a good number of them, however the two threads
+    // are scheduled.
+    uint64_t frame = 0;
+    while (frame < 300 || (reads.load() < 1000 && frame < 1000000))
+        AdvanceTo(++frame);
+    done = true;
+    reader.join();
+    EXPECT_EQ(backwards, 0u);
+    EXPECT_EQ(torn, 0u) << "a state older than the frame read before it";
+    EXPECT_GE(reads.load(), 1000u);
 }
 
 // Pacing is checked from below only: a wait may last longer on a loaded machine, never shorter.

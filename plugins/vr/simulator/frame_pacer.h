@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <chrono>
 
 namespace kesta::vrsim {
@@ -16,7 +17,8 @@ public:
     // Blocks until the next vsync when pacing is on; returns at once otherwise.
     void WaitForNextFrame();
 
-    Clock::time_point last_vsync() const { return last_vsync_; }
+    // Safe from any thread: other threads ask for the time since the last vsync.
+    Clock::time_point last_vsync() const { return Clock::time_point(Clock::duration(last_vsync_.load())); }
     Clock::duration period() const { return period_; }
     // Time until the next vsync, zero when unpaced or overdue.
     double SecondsRemaining() const;
@@ -24,7 +26,7 @@ public:
 private:
     const Clock::duration period_;
     const bool paced_;
-    Clock::time_point last_vsync_;
+    std::atomic<Clock::rep> last_vsync_;  // written by the thread that waits
 };
 
 }  // namespace kesta::vrsim

@@ -2,6 +2,7 @@
 
 // Introspection functions that the simulated runtime exports for tests and tools. They are reached with
 // dlsym on the loaded vrclient.so; each returns an empty answer while the runtime is not initialized.
+// Call them between VR_Init and VR_Shutdown, not concurrently with either.
 #include <stdint.h>
 
 extern "C" {
@@ -29,7 +30,7 @@ struct VrSimHapticPulse {
 // Frames started so far: the number of WaitGetPoses calls since VR_Init.
 uint64_t VrSimFrameCount(void);
 
-// Submissions since VR_Init; the oldest are dropped beyond the configured log_limit.
+// Submissions kept: those since VR_Init or the last VrSimClearLogs, the newest log_limit of them.
 uint64_t VrSimSubmissionCount(void);
 // The index-th of the kept submissions, oldest first. 0 when there is no such entry.
 int VrSimGetSubmission(uint64_t index, struct VrSimSubmission* out);

@@ -1338,6 +1338,7 @@ protected:
 };
 
 #pragma pack(pop)
+
 // The client library's loader functions (norvane_openvr_client). C linkage keeps their symbol names
 // the bare function names, as a runtime-independent client library exports them.
 extern "C" {

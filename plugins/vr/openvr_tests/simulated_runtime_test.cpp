@@ -111,10 +111,11 @@ TEST_F(SimulatedRuntimeTest, DefaultsWithoutAConfigurationFile)
     EXPECT_EQ(system_->GetTrackedDeviceClass(0), vr::TrackedDeviceClass_HMD);
     EXPECT_EQ(system_->GetTrackedDeviceClass(1), vr::TrackedDeviceClass_Invalid);
     EXPECT_FALSE(system_->IsTrackedDeviceConnected(1));
-    // Paced by default: a frame still has time left right after it started.
+    // Paced by default: what is left of a frame never exceeds one 90 Hz period.
     compositor_->WaitGetPoses(nullptr, 0, nullptr, 0);
-    EXPECT_GT(compositor_->GetFrameTimeRemaining(), 0.0f);
-    EXPECT_LE(compositor_->GetFrameTimeRemaining(), 1.0f / 90.0f);
+    const float remaining = compositor_->GetFrameTimeRemaining();
+    EXPECT_GE(remaining, 0.0f);
+    EXPECT_LE(remaining, 1.0f / 90.0f);
 }
 
 TEST_F(SimulatedRuntimeTest, StringPropertiesFollowTheTwoCallProtocol)
@@ -388,24 +389,25 @@ TEST_F(SimulatedRuntimeTest, QueriesFromAnotherThreadSeeWholeFramesInOrder)
     // Frames go on until the reader has overlapped with a good number of them, however the two threads
     // are scheduled.
     uint64_t frame = 0;
-    while (frame < 300 || (reads.load() < 1000 && frame < 1000000))
+    while (frame < 300 || (reads.load() < 100 && frame < 1000000))
         AdvanceTo(++frame);
     done = true;
     reader.join();
     EXPECT_EQ(backwards, 0u);
     EXPECT_EQ(torn, 0u) << "a state older than the frame read before it";
-    EXPECT_GE(reads.load(), 1000u);
+    EXPECT_GE(reads.load(), 100u);
 }
 
 // Pacing is checked from below only: a wait may last longer on a loaded machine, never shorter.
 TEST_F(SimulatedRuntimeTest, PacedFramesTakeAtLeastTheRefreshPeriod)
 {
-    Start(R"({"refresh_rate": 200})");
-    compositor_->WaitGetPoses(nullptr, 0, nullptr, 0);
+    // The vsync grid starts during VR_Init, so the n-th frame cannot start earlier than n periods after
+    // a time taken before it.
     const auto start = std::chrono::steady_clock::now();
+    Start(R"({"refresh_rate": 200})");
     for (int i = 0; i < 10; ++i)
         compositor_->WaitGetPoses(nullptr, 0, nullptr, 0);
-    EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(49));
+    EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(50));
 }
 
 struct BadConfiguration {

@@ -2,7 +2,6 @@
 
 // Helpers for tests that run the simulated runtime through the client layer, as an application does.
 #include <dlfcn.h>
-#include <gtest/gtest.h>
 #include <stdlib.h>
 
 #include <filesystem>

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <memory>
+
+#include "plugins/vr/simulator/sim_compositor.h"
+#include "plugins/vr/simulator/sim_runtime.h"
+#include "plugins/vr/simulator/sim_system.h"
+
+namespace kesta::vrsim {
+
+// One initialized runtime with its interfaces: made by IVRClientCore::Init, destroyed by Cleanup.
+struct SimSession {
+    explicit SimSession(SimConfig config) : runtime(std::move(config)), system(runtime), compositor(runtime) {}
+
+    SimRuntime runtime;
+    SimSystem system;
+    SimCompositor compositor;
+};
+
+// The live session, or null. The introspection functions read it; the client core replaces it.
+SimSession* CurrentSession();
+void SetCurrentSession(std::unique_ptr<SimSession> session);
+
+}  // namespace kesta::vrsim

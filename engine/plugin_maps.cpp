@@ -2,7 +2,6 @@
 
 namespace kesta {
 
-RendererFactoryTable* g_renderer_factory_table = nullptr;
 PhysicSystemFactoryTable* g_physic_system_factory_table = nullptr;
 ScriptEngineFactoryTable* g_script_engine_factory_table = nullptr;
 PictureRendererFactoryTable* g_picture_renderer_factory_table = nullptr;

@@ -12,7 +12,6 @@ class ScriptEngineFactoryTable;
 class PictureRendererFactoryTable;
 class ResourceLoaderMap;
 
-extern RendererFactoryTable* g_renderer_factory_table;
 extern PhysicSystemFactoryTable* g_physic_system_factory_table;
 extern ScriptEngineFactoryTable* g_script_engine_factory_table;
 extern PictureRendererFactoryTable* g_picture_renderer_factory_table;

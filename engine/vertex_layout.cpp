@@ -26,8 +26,8 @@ bool VertexLayout::AddAttribute(std::uint8_t semantic, std::uint8_t count, Compo
     // Every attribute starts on an even offset.
     const int attr_size = (ComponentSize(type) * count + 1) & ~1;
     KESTA_ASSERT((stride_ + attr_size) < std::numeric_limits<VertexLayout::Stride>::max());
-    attributes_[free_slot] = Attribute{semantic, static_cast<std::uint8_t>((count & 0x0f) | ((type & 0x07) << 4) |
-                                                                           (normalised ? 0x80 : 0))};
+    attributes_[free_slot] =
+        Attribute{semantic, static_cast<std::uint8_t>((count & 0x0f) | ((type & 0x07) << 4) | (normalised ? 0x80 : 0))};
     stride_ = static_cast<Stride>(stride_ + attr_size);
     return true;
 }

@@ -32,6 +32,7 @@ public:
 
     const std::string& str() const { return text_; }
     operator const std::string&() const { return text_; }  // NOLINT: reads like a string
+    operator std::string_view() const { return text_; }    // NOLINT: reads like a string
 
 private:
     std::string text_;

@@ -15,7 +15,8 @@ asm(".section .rodata.norvane_core_archive,\"a\",@progbits\n"
     ".balign 16\n"
     ".local norvane_core_archive_begin\n"
     "norvane_core_archive_begin:\n"
-    ".incbin \"" NORVANE_CORE_ARCHIVE_PATH "\"\n"
+    ".incbin \"" NORVANE_CORE_ARCHIVE_PATH
+    "\"\n"
     ".local norvane_core_archive_end\n"
     "norvane_core_archive_end:\n"
     ".previous\n");
@@ -32,7 +33,8 @@ constexpr const char* kArchiveName = "core.zip";
 
 std::span<const std::uint8_t> CoreArchiveBytes()
 {
-    return {norvane_core_archive_begin, static_cast<std::size_t>(norvane_core_archive_end - norvane_core_archive_begin)};
+    return {norvane_core_archive_begin,
+            static_cast<std::size_t>(norvane_core_archive_end - norvane_core_archive_begin)};
 }
 
 void MountCoreResources()

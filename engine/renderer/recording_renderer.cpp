@@ -302,8 +302,8 @@ ShaderVariable RecordingRenderer::GetShaderVariableBySemantic(int semantic)
 
 namespace {
 // Remembers the last value set on a named variable, for tests to read back.
-void store_value(std::mutex& lock, std::map<std::int64_t, std::string>& names, std::map<std::string, std::string>& values,
-                 ShaderVariable variable, const std::string& text)
+void store_value(std::mutex& lock, std::map<std::int64_t, std::string>& names,
+                 std::map<std::string, std::string>& values, ShaderVariable variable, const std::string& text)
 {
     std::lock_guard guard(lock);
     const auto it = names.find(variable.handle);
@@ -368,7 +368,10 @@ void RecordingRenderer::SetShaderLightBuiltins(const ShaderLightBuiltins& builti
     Record("SetShaderLightBuiltins(" + std::to_string(builtins.slice_count) + ")");
 }
 
-void RecordingRenderer::SetShaderPickingId(std::uint32_t id) { Record("SetShaderPickingId(" + std::to_string(id) + ")"); }
+void RecordingRenderer::SetShaderPickingId(std::uint32_t id)
+{
+    Record("SetShaderPickingId(" + std::to_string(id) + ")");
+}
 
 void RecordingRenderer::SetShaderValues(const ShaderVariableTable&, const ShaderVariableTable* material_values)
 {
@@ -429,8 +432,8 @@ void RecordingRenderer::SetIndexSource(const std::shared_ptr<GpuBuffer>& buffer)
 
 void RecordingRenderer::SetVertexSource(const std::shared_ptr<GpuBuffer>& buffer, const VertexLayout& layout)
 {
-    Record(std::string("SetVertexSource(") + (buffer ? "buffer" : "null") + ", " +
-           std::to_string(layout.GetStride()) + ")");
+    Record(std::string("SetVertexSource(") + (buffer ? "buffer" : "null") + ", " + std::to_string(layout.GetStride()) +
+           ")");
     vertex_source = buffer;
 }
 
@@ -514,8 +517,8 @@ Rect RecordingRenderer::GetViewport() { return viewport; }
 void RecordingRenderer::Clear(const Color& color, float depth, std::uint32_t planes)
 {
     std::ostringstream out;
-    out << "Clear(" << color.r << "," << color.g << "," << color.b << "," << color.a << ", " << depth << ", "
-        << planes << ")";
+    out << "Clear(" << color.r << "," << color.g << "," << color.b << "," << color.a << ", " << depth << ", " << planes
+        << ")";
     Record(out.str());
 }
 

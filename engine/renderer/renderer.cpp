@@ -64,8 +64,7 @@ const VertexLayout& quad_layout()
 }
 
 template <typename T>
-std::shared_ptr<T> find_by_name(std::mutex& lock, const std::vector<std::shared_ptr<T>>& cache,
-                                const std::string& name)
+std::shared_ptr<T> find_by_name(std::mutex& lock, const std::vector<std::shared_ptr<T>>& cache, const std::string& name)
 {
     std::lock_guard guard(lock);
     for (const auto& entry : cache)
@@ -144,7 +143,8 @@ void Renderer::Open()
     if (flag(kCapabilitySecondary))
         capabilities_ |= kCapabilityBitSecondary;
     const CapabilityValue anti_aliasing = GetCapability(kCapabilityMaxAntiAliasing);
-    max_anti_aliasing_ = std::holds_alternative<std::uint8_t>(anti_aliasing) ? std::get<std::uint8_t>(anti_aliasing) : 0;
+    max_anti_aliasing_ =
+        std::holds_alternative<std::uint8_t>(anti_aliasing) ? std::get<std::uint8_t>(anti_aliasing) : 0;
 
     if (g_filesystem && !g_filesystem->GetDriver("@core/")) {
         debug("Filesystem '@core/' is not mounted, mounting from internal resources");

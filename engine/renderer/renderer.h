@@ -242,8 +242,8 @@ protected:
 
 private:
     void RunTextureLoad(const std::shared_ptr<Texture>& texture, const std::string& path);
-    void RunShaderLoad(const std::shared_ptr<GpuShader>& gpu_shader, const std::string& name,
-                       const std::string& source, bool asynchronous);
+    void RunShaderLoad(const std::shared_ptr<GpuShader>& gpu_shader, const std::string& name, const std::string& source,
+                       bool asynchronous);
     void CompileShaderStep(const std::shared_ptr<GpuShader>& gpu_shader, const std::string& vertex_text,
                            const std::string& pixel_text);
 

@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "engine/renderer/testing/renderer_test_environment.h"
 #include "engine/engine_signals.h"
+#include "engine/renderer/testing/renderer_test_environment.h"
 #include "foundation/assert/assertion.h"
 #include "io/memory_file_driver.h"
 
@@ -99,8 +99,8 @@ TEST_F(RendererOpenClose, CloseReleasesEverythingAndClearsTheGlobal)
     });
     renderer.Close();
     EXPECT_EQ(closing, 1);
-    EXPECT_EQ(renderer.Calls(), (Calls{"FreeBuffer()", "FreeBuffer()", "FreeShader(@core/shaders/single_texture_2d.isl)",
-                                       "CloseBackEnd()"}));
+    EXPECT_EQ(renderer.Calls(), (Calls{"FreeBuffer()", "FreeBuffer()",
+                                       "FreeShader(@core/shaders/single_texture_2d.isl)", "CloseBackEnd()"}));
     EXPECT_FALSE(renderer.IsOpen());
     EXPECT_EQ(g_renderer, nullptr);
     EXPECT_FALSE(renderer.GetDefaultShader());

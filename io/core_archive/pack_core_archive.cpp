@@ -6,9 +6,9 @@
 // The archive is reproducible: members are sorted by name and carry a fixed date, so the same
 // sources always give the same bytes.
 
+#include <minizip/zip.h>
 #include <nettle/sha1.h>
 #include <zlib.h>
-#include <minizip/zip.h>
 
 #include <cstdio>
 #include <filesystem>
@@ -37,8 +37,8 @@ bool add_member(zipFile zip, const std::string& name, const std::string& bytes)
     if (zipOpenNewFileInZip(zip, name.c_str(), &info, nullptr, 0, nullptr, 0, nullptr, Z_DEFLATED,
                             Z_BEST_COMPRESSION) != ZIP_OK)
         return false;
-    const bool written = bytes.empty() ||
-                         zipWriteInFileInZip(zip, bytes.data(), static_cast<unsigned>(bytes.size())) == ZIP_OK;
+    const bool written =
+        bytes.empty() || zipWriteInFileInZip(zip, bytes.data(), static_cast<unsigned>(bytes.size())) == ZIP_OK;
     return zipCloseFileInZip(zip) == ZIP_OK && written;
 }
 

@@ -24,8 +24,19 @@ RendererTestEnvironment::~RendererTestEnvironment()
 std::string RendererTestEnvironment::WriteFile(std::string_view name, std::string_view content)
 {
     const std::string path = "@test/" + std::string(name);
+    // Memory files keep their old bytes when written again: replace, don't overwrite.
+    filesystem.Delete(path);
     filesystem.DataToFile(path, content.data(), content.size());
     return path;
+}
+
+std::vector<std::string> RendererTestEnvironment::NonDebugLines() const
+{
+    std::vector<std::string> lines;
+    for (const std::string& line : log.Lines())
+        if (line.rfind("debug: ", 0) != 0)
+            lines.push_back(line);
+    return lines;
 }
 
 }  // namespace kesta::testing

@@ -22,8 +22,10 @@ public:
     RendererTestEnvironment(const RendererTestEnvironment&) = delete;
     RendererTestEnvironment& operator=(const RendererTestEnvironment&) = delete;
 
-    // Writes a file into the memory folder; the path is "@test/<name>".
+    // Writes (or replaces) a file in the memory folder; the path is "@test/<name>".
     std::string WriteFile(std::string_view name, std::string_view content);
+    // Log lines other than the filesystem's own debug lines.
+    std::vector<std::string> NonDebugLines() const;
 
     Filesystem filesystem;
     GpuResourceRegistry registry;

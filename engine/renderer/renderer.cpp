@@ -64,13 +64,33 @@ const VertexLayout& quad_layout()
 }
 
 template <typename T>
-std::shared_ptr<T> find_by_name(std::mutex& lock, const std::vector<std::shared_ptr<T>>& cache, const std::string& name)
+std::shared_ptr<T> find_in(const std::vector<std::shared_ptr<T>>& cache, const std::string& name)
 {
-    std::lock_guard guard(lock);
     for (const auto& entry : cache)
         if (entry->GetName() == name)
             return entry;
     return nullptr;
+}
+
+template <typename T>
+std::shared_ptr<T> find_by_name(std::mutex& lock, const std::vector<std::shared_ptr<T>>& cache, const std::string& name)
+{
+    std::lock_guard guard(lock);
+    return find_in(cache, name);
+}
+
+// The cached entry of `name`, or a new one from `make` entered in the cache; the flag tells which.
+// Look-up and insert happen under one lock so that two loads of a name share one object.
+template <typename T, typename Make>
+std::pair<std::shared_ptr<T>, bool> find_or_add(std::mutex& lock, std::vector<std::shared_ptr<T>>& cache,
+                                                const std::string& name, Make make)
+{
+    std::lock_guard guard(lock);
+    if (std::shared_ptr<T> entry = find_in(cache, name))
+        return {entry, false};
+    std::shared_ptr<T> entry = make();
+    cache.push_back(entry);
+    return {entry, true};
 }
 
 }  // namespace
@@ -208,15 +228,10 @@ std::shared_ptr<Texture> Renderer::LoadTexture(const std::string& path, bool asy
         RunTextureLoad(texture, path);
         return texture;
     }
-    std::shared_ptr<Texture> texture;
-    {
-        std::lock_guard lock(texture_cache_lock_);
-        for (const auto& entry : texture_cache_)
-            if (entry->GetName() == path)
-                return entry;
-        texture = NewTexture(path);
-        texture_cache_.push_back(texture);
-    }
+    const auto cached = find_or_add(texture_cache_lock_, texture_cache_, path, [&] { return NewTexture(path); });
+    const std::shared_ptr<Texture>& texture = cached.first;
+    if (!cached.second)
+        return texture;
     RunOnWorker([this, texture, path] { RunTextureLoad(texture, path); });
     return texture;
 }
@@ -284,15 +299,10 @@ std::shared_ptr<GpuShader> Renderer::LoadShaderFromSource(const std::string& nam
         RunShaderLoad(gpu_shader, name, source, false);
         return gpu_shader;
     }
-    std::shared_ptr<GpuShader> gpu_shader;
-    {
-        std::lock_guard lock(shader_cache_lock_);
-        for (const auto& entry : shader_cache_)
-            if (entry->GetName() == name)
-                return entry;
-        gpu_shader = NewShader(name);
-        shader_cache_.push_back(gpu_shader);
-    }
+    const auto cached = find_or_add(shader_cache_lock_, shader_cache_, name, [&] { return NewShader(name); });
+    const std::shared_ptr<GpuShader>& gpu_shader = cached.first;
+    if (!cached.second)
+        return gpu_shader;
     RunShaderLoad(gpu_shader, name, source, true);
     return gpu_shader;
 }

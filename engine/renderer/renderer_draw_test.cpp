@@ -9,14 +9,8 @@
 namespace kesta {
 namespace {
 
-class RendererDrawing : public ::testing::Test {
+class RendererDrawing : public testing::OpenRendererTest {
 protected:
-    void SetUp() override
-    {
-        renderer.Open();
-        renderer.ClearCalls();
-    }
-
     Vector3 to_clip(const Vector3& p)
     {
         const Matrix44 mvp = renderer.GetProjectionMatrix() * Matrix44::FromMatrix4(renderer.GetViewMatrix()) *
@@ -24,9 +18,6 @@ protected:
         const Vector4 c = mvp * Vector4{p.x, p.y, p.z, 1.0f};
         return {c.x / c.w, c.y / c.w, c.z / c.w};
     }
-
-    testing::RendererTestEnvironment env;
-    RecordingRenderer& renderer = *env.renderer;
 };
 
 TEST_F(RendererDrawing, QuadWritesFourVerticesAndDrawsSixIndices)

@@ -18,18 +18,7 @@ variant {
 }
 )";
 
-class RendererShaders : public ::testing::Test {
-protected:
-    void SetUp() override
-    {
-        renderer.Open();
-        renderer.ClearCalls();
-        env.log.Clear();
-    }
-
-    testing::RendererTestEnvironment env;
-    RecordingRenderer& renderer = *env.renderer;
-};
+using RendererShaders = testing::OpenRendererTest;
 
 TEST_F(RendererShaders, MissingFileGivesNullAndNoMessage)
 {

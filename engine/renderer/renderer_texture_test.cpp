@@ -31,18 +31,7 @@ std::string png_bytes(int width, int height)
     return out;
 }
 
-class RendererTextures : public ::testing::Test {
-protected:
-    void SetUp() override
-    {
-        renderer.Open();
-        renderer.ClearCalls();
-        env.log.Clear();
-    }
-
-    testing::RendererTestEnvironment env;
-    RecordingRenderer& renderer = *env.renderer;
-};
+using RendererTextures = testing::OpenRendererTest;
 
 TEST_F(RendererTextures, NativeFileNamesAreRecognisedByExtensionInAnyCase)
 {

@@ -4,6 +4,8 @@
 // makes one. Everything is installed in the engine globals for the length of the test and the
 // previous values come back afterwards.
 
+#include <gtest/gtest.h>
+
 #include <memory>
 #include <string>
 #include <string_view>
@@ -35,6 +37,20 @@ public:
 private:
     Filesystem* previous_filesystem_;
     GpuResourceRegistry* previous_registry_;
+};
+
+// A test whose renderer is open, with the calls and log lines of opening cleared.
+class OpenRendererTest : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        renderer.Open();
+        renderer.ClearCalls();
+        env.log.Clear();
+    }
+
+    RendererTestEnvironment env;
+    RecordingRenderer& renderer = *env.renderer;
 };
 
 }  // namespace kesta::testing

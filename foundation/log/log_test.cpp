@@ -227,16 +227,19 @@ TEST(LogListeners, LinesWithinOneFlushDelayArriveAsOneBatchOnTheTimerThread)
     system.SetOutputFunction(&silent_output);
     system.SetFlushTimer(&timer);
     BatchRecorder recorder;
-    std::atomic<bool> on_timer_thread{false};
+    // 0: the second listener has not run yet; 1: it ran on the logging thread; 2: on another one.
+    std::atomic<int> listener_thread{0};
     const auto caller = std::this_thread::get_id();
     system.Connect(recorder.listener());
-    system.Connect([&](const std::vector<LogMessage>&) { on_timer_thread = std::this_thread::get_id() != caller; });
+    system.Connect(
+        [&](const std::vector<LogMessage>&) { listener_thread = std::this_thread::get_id() != caller ? 2 : 1; });
     system.Log("one", "", "first details");
     system.Log("two", "debug");
     EXPECT_EQ(timer.one_shot_count(), 1u) << "the second line does not schedule a second flush";
     EXPECT_TRUE(recorder.batches().empty()) << "nothing is delivered on the logging thread";
     timer.start(1);
-    ASSERT_TRUE(eventually([&] { return recorder.message_count() == 2; }));
+    // Listeners run one after the other: wait for the last one too.
+    ASSERT_TRUE(eventually([&] { return recorder.message_count() == 2 && listener_thread.load() != 0; }));
     const auto batches = recorder.batches();
     ASSERT_EQ(batches.size(), 1u);
     EXPECT_EQ(batches[0][0].message, "one");
@@ -244,7 +247,7 @@ TEST(LogListeners, LinesWithinOneFlushDelayArriveAsOneBatchOnTheTimerThread)
     EXPECT_EQ(batches[0][1].message, "two");
     EXPECT_EQ(batches[0][1].category, "debug") << "debug lines reach listeners whatever the mask";
     EXPECT_THAT(batches[0][1].timestamp, ::testing::MatchesRegex(R"([0-9]+:[0-9]+:[0-9]+:[0-9]{3})"));
-    EXPECT_TRUE(on_timer_thread.load());
+    EXPECT_EQ(listener_thread.load(), 2) << "listeners run on the timer thread";
 
     // The flush cleared its handle: the next line schedules again.
     system.Log("three", "");

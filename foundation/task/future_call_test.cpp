@@ -96,8 +96,7 @@ TEST(DeferredCall, CallToAnotherWorkerQueuesBehindItsPinnedWorkOfEqualPriority)
     task_system system;
     ASSERT_TRUE(system.start(1));
     Blocker blocker;
-    system.run_task(blocker.task, nullptr, 0, 0);
-    blocker.started.wait();
+    blocker.occupy(system);
     std::atomic<bool> earlier_done{false};
     system.run_task(make_task([&] { earlier_done = true; }), nullptr, 0, 0);
     std::future<bool> call = run_call_with_return_value<bool>(

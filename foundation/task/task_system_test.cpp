@@ -101,8 +101,7 @@ TEST(TaskSystemOrder, EqualPrioritiesRunFirstInFirstOutAndHigherOnesGoAhead)
     task_system system;
     ASSERT_TRUE(system.start(1));
     Blocker blocker;
-    system.run_task(blocker.task, nullptr, 0, 0);
-    blocker.started.wait();
+    blocker.occupy(system);
     RunOrder order;
     auto set = std::make_shared<task_set>();
     system.run_task(order.task("a0"), set, 0, 0);
@@ -122,8 +121,7 @@ TEST(TaskSystemOrder, PinnedWorkGoesBeforeSharedWorkWhateverThePriority)
     task_system system;
     ASSERT_TRUE(system.start(1));
     Blocker blocker;
-    system.run_task(blocker.task, nullptr, 0, 0);
-    blocker.started.wait();
+    blocker.occupy(system);
     RunOrder order;
     system.run_task(order.task("shared high"), nullptr, task::kAnyWorker, 100);
     system.run_task(order.task("pinned low"), nullptr, 0, -100);
@@ -194,8 +192,7 @@ TEST(TaskSystemAgeing, AWaitingPinnedTaskRisesOneLevelPerFrameAfterThreeFrames)
     task_system system;
     ASSERT_TRUE(system.start(1));
     Blocker blocker;
-    system.run_task(blocker.task, nullptr, 0, 0);
-    blocker.started.wait();
+    blocker.occupy(system);
     RunOrder order;
     auto set = std::make_shared<task_set>();
     auto old = order.task("old");
@@ -232,8 +229,7 @@ TEST(TaskSystemAgeing, CountLimitsTheRaisesAndZeroMeansAll)
     task_system system;
     ASSERT_TRUE(system.start(1));
     Blocker blocker;
-    system.run_task(blocker.task, nullptr, 0, 0);
-    blocker.started.wait();
+    blocker.occupy(system);
     auto a = make_task();
     auto b = make_task();
     auto c = make_task();
@@ -264,8 +260,7 @@ TEST(TaskSystemAgeing, PriorityWrapsAroundAtEightBits)
     task_system system;
     ASSERT_TRUE(system.start(1));
     Blocker blocker;
-    system.run_task(blocker.task, nullptr, 0, 0);
-    blocker.started.wait();
+    blocker.occupy(system);
     auto top = make_task();
     system.run_task(top, nullptr, 0, 127);
     for (int i = 0; i < 3; ++i)
@@ -286,8 +281,7 @@ TEST(TaskSystemSets, ContinuationOfAQueuedTaskKeepsTheWaitedSetOpen)
     Blocker blocker;
     auto set = std::make_shared<task_set>();
     auto other = std::make_shared<task_set>();
-    system.run_task(blocker.task, set, 0, 0);
-    blocker.started.wait();
+    blocker.occupy(system, set);
     auto continuation = make_task();
     system.run_task_after_task(continuation, blocker.task, other, 0, 0);
     EXPECT_TRUE(system.is_task_pending(continuation));
@@ -307,8 +301,7 @@ TEST(TaskSystemSets, TaskAfterSetStartsWhenTheSetClosesAndCountsUnderItsOwnSet)
     Blocker blocker;
     auto first = std::make_shared<task_set>();
     auto second = std::make_shared<task_set>();
-    system.run_task(blocker.task, first, 0, 0);
-    blocker.started.wait();
+    blocker.occupy(system, first);
     RunOrder order;
     auto after = order.task("after");
     system.run_task_after_set(after, first, second, task::kAnyWorker, 0);
@@ -412,8 +405,7 @@ TEST(TaskSystemWait, WaiterRunsSharedWorkItselfAndPrefersItsOwnSet)
     task_system system;
     ASSERT_TRUE(system.start(1));
     Blocker blocker;
-    system.run_task(blocker.task, nullptr, 0, 0);
-    blocker.started.wait();
+    blocker.occupy(system);
     auto mine = std::make_shared<task_set>();
     auto theirs = std::make_shared<task_set>();
     RunOrder order;
@@ -438,8 +430,7 @@ TEST(TaskSystemWait, SleepingWaiterWakesToRunSharedWorkQueuedLater)
     task_system system;
     ASSERT_TRUE(system.start(1));
     Blocker blocker;
-    system.run_task(blocker.task, nullptr, 0, 0);
-    blocker.started.wait();
+    blocker.occupy(system);
     auto set = std::make_shared<task_set>();
     system.retain_set(set);
     auto late = make_task();
@@ -484,8 +475,7 @@ TEST(TaskSystemWait, WaitForAllCoversQueuesRunningTasksAndContinuations)
     task_system system;
     ASSERT_TRUE(system.start(2));
     Blocker blocker;
-    system.run_task(blocker.task, nullptr, 0, 0);
-    blocker.started.wait();
+    blocker.occupy(system);
     std::atomic<int> runs{0};
     auto counted = [&] { return make_task([&] { runs.fetch_add(1); }); };
     system.run_task(counted(), nullptr, 0, 0);
@@ -555,8 +545,7 @@ TEST_F(TaskSystemLifecycle, StopRunsQueuedWorkAndDropsWorkDispatchedWhileStoppin
             std::this_thread::yield();
         system.run_task(late, late_set, task::kAnyWorker, 0);
     });
-    system.run_task(blocker.task, nullptr, 0, 0);
-    blocker.started.wait();
+    blocker.occupy(system);
     for (int i = 0; i < 5; ++i) {
         system.run_task(make_task([&] { queued_runs.fetch_add(1); }), nullptr, 0, 0);
         system.run_task(make_task([&] { queued_runs.fetch_add(1); }), nullptr, task::kAnyWorker, 0);

@@ -10,6 +10,7 @@
 #include <thread>
 
 #include "foundation/task/task.h"
+#include "foundation/task/task_system.h"
 
 namespace kesta::testing {
 
@@ -72,6 +73,13 @@ struct Blocker {
         started.open();
         release.wait();
     });
+
+    // Runs the blocking task on worker 0 under `set` and returns once it occupies that worker.
+    void occupy(task_system& system, const std::shared_ptr<task_set>& set = nullptr)
+    {
+        system.run_task(task, set, 0, 0);
+        started.wait();
+    }
 };
 
 // Polls `condition` until it holds; the limit only keeps a broken build from hanging.

@@ -1,9 +1,7 @@
 #pragma once
-// Registries that other kinds of plug-ins fill (renderer back ends, physics and script back ends,
-// picture renderers). The VR module only carries their pointers from the host; those not built yet
-// are declared here with no more than their name.
-
-#include "engine/renderer/renderer_factory.h"
+// Registries that other kinds of plug-ins fill (physics and script back ends, picture renderers;
+// renderer back ends have engine/renderer/renderer_factory.h). The VR module only carries their
+// pointers from the host; they are declared here with no more than their name until built.
 
 namespace kesta {
 

@@ -8,6 +8,7 @@
 #include "engine/plugin_maps.h"
 #include "engine/plus.h"
 #include "engine/renderer/gpu_resource_registry.h"
+#include "engine/renderer/renderer_factory.h"
 #include "foundation/log/log.h"
 #include "foundation/profiler/profiler.h"
 #include "foundation/task/task_system.h"

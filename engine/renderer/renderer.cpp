@@ -440,7 +440,7 @@ void Renderer::SetIdentityMatrices()
 
 void Renderer::Set2DMatrices(bool flip_y)
 {
-    model_ = normal_ = view_ = inverse_view_ = model_view_ = Matrix4::Identity();
+    model_ = normal_ = view_ = inverse_view_ = Matrix4::Identity();
     const Rect viewport = GetViewport();
     projection_ = flip_y ? Orthographic(viewport.x1, viewport.x2, viewport.y1, viewport.y2, -1.0f, 1.0f)
                          : Orthographic(viewport.x1, viewport.x2, viewport.y2, viewport.y1, -1.0f, 1.0f);

@@ -262,7 +262,7 @@ private:
     bool accepts_shaders_ = false;
     Matrix4 view_, inverse_view_, model_, normal_;
     Matrix44 projection_;
-    Matrix4 previous_view_, previous_inverse_view_, model_view_;
+    Matrix4 previous_view_, previous_inverse_view_;
     std::shared_ptr<RenderTarget> current_target_;
 
     friend std::shared_ptr<Renderer> AdoptRenderer(std::shared_ptr<Renderer> renderer);

@@ -1395,7 +1395,8 @@ struct RenderModel_ControllerMode_State_t {
 // answer VRRenderModelError_Loading until the data is ready: applications call them again each frame.
 class IVRRenderModels {
 public:
-    virtual EVRRenderModelError LoadRenderModel_Async(const char* pchRenderModelName, RenderModel_t** ppRenderModel) = 0;
+    virtual EVRRenderModelError LoadRenderModel_Async(const char* pchRenderModelName,
+                                                      RenderModel_t** ppRenderModel) = 0;
     virtual void FreeRenderModel(RenderModel_t* pRenderModel) = 0;
     virtual EVRRenderModelError LoadTexture_Async(TextureID_t textureId, RenderModel_TextureMap_t** ppTexture) = 0;
     virtual void FreeTexture(RenderModel_TextureMap_t* pTexture) = 0;
@@ -1407,8 +1408,8 @@ public:
                                         uint32_t unRenderModelNameLen) = 0;
     virtual uint32_t GetRenderModelCount() = 0;
     virtual uint32_t GetComponentCount(const char* pchRenderModelName) = 0;
-    virtual uint32_t GetComponentName(const char* pchRenderModelName, uint32_t unComponentIndex,
-                                      char* pchComponentName, uint32_t unComponentNameLen) = 0;
+    virtual uint32_t GetComponentName(const char* pchRenderModelName, uint32_t unComponentIndex, char* pchComponentName,
+                                      uint32_t unComponentNameLen) = 0;
     virtual uint64_t GetComponentButtonMask(const char* pchRenderModelName, const char* pchComponentName) = 0;
     virtual uint32_t GetComponentRenderModelName(const char* pchRenderModelName, const char* pchComponentName,
                                                  char* pchComponentRenderModelName,

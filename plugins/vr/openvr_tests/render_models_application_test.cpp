@@ -176,7 +176,8 @@ public:
         system_ = vr::VR_Init(&error, vr::VRApplication_Scene);
         ASSERT_EQ(error, vr::VRInitError_None);
         ASSERT_NE(system_, nullptr);
-        render_models_ = static_cast<vr::IVRRenderModels*>(vr::VR_GetGenericInterface(vr::IVRRenderModels_Version, &error));
+        render_models_ =
+            static_cast<vr::IVRRenderModels*>(vr::VR_GetGenericInterface(vr::IVRRenderModels_Version, &error));
         ASSERT_EQ(error, vr::VRInitError_None);
         ASSERT_NE(render_models_, nullptr);
         compositor_ = vr::VRCompositor();

@@ -35,8 +35,8 @@ protected:
         ASSERT_EQ(session_->error, vr::VRInitError_None);
         models_ = vr::VRRenderModels();
         ASSERT_NE(models_, nullptr);
-        introspection_ = dlopen((testing::SimulatedRuntimeFolder() + "/bin/linux64/vrclient.so").c_str(),
-                                RTLD_NOW | RTLD_NOLOAD);
+        introspection_ =
+            dlopen((testing::SimulatedRuntimeFolder() + "/bin/linux64/vrclient.so").c_str(), RTLD_NOW | RTLD_NOLOAD);
         ASSERT_NE(introspection_, nullptr);
         outstanding_ = reinterpret_cast<OutstandingFunction>(dlsym(introspection_, "VrSimRenderModelsOutstanding"));
         ASSERT_NE(outstanding_, nullptr);
@@ -54,7 +54,7 @@ protected:
         char name[128] = {};
         vr::ETrackedPropertyError error = vr::TrackedProp_UnknownProperty;
         session_->system->GetStringTrackedDeviceProperty(device, vr::Prop_RenderModelName_String, name, sizeof name,
-                                                          &error);
+                                                         &error);
         EXPECT_EQ(error, vr::TrackedProp_Success) << "device " << device;
         return name;
     }
@@ -212,16 +212,15 @@ TEST_F(RenderModelsTest, CountNamesAndComponentsAnswerConsistently)
         EXPECT_TRUE(models_->RenderModelHasComponent(controller, name)) << name;
         component_names.insert(name);
     }
-    EXPECT_EQ(component_names, (std::set<std::string>{"trigger", vr::k_pch_Controller_Component_Tip,
-                                                      vr::k_pch_Controller_Component_Base,
-                                                      vr::k_pch_Controller_Component_HandGrip}));
+    EXPECT_EQ(component_names,
+              (std::set<std::string>{"trigger", vr::k_pch_Controller_Component_Tip, vr::k_pch_Controller_Component_Base,
+                                     vr::k_pch_Controller_Component_HandGrip}));
     EXPECT_EQ(models_->GetComponentName(controller, components, nullptr, 0), 0u);
     EXPECT_EQ(models_->GetComponentCount("norvane_vrsim_tracker"), 0u);
     EXPECT_FALSE(models_->RenderModelHasComponent(controller, "thumbstick"));
 
     // The trigger has a model of its own, which is one of the listed models; the tip is only a frame.
-    EXPECT_EQ(models_->GetComponentButtonMask(controller, "trigger"),
-              uint64_t{1} << vr::k_EButton_SteamVR_Trigger);
+    EXPECT_EQ(models_->GetComponentButtonMask(controller, "trigger"), uint64_t{1} << vr::k_EButton_SteamVR_Trigger);
     EXPECT_EQ(models_->GetComponentButtonMask(controller, "tip"), 0u);
     char trigger_model[64] = {};
     ASSERT_GT(models_->GetComponentRenderModelName(controller, "trigger", trigger_model, sizeof trigger_model), 1u);

@@ -15,13 +15,13 @@ struct Box {
 void AddBox(CatalogModel& model, const Box& box)
 {
     struct Face {
-        int axis;     // the axis of the normal
-        float sign;   // its direction
-        int u_axis;   // the axes the face spans
+        int axis;    // the axis of the normal
+        float sign;  // its direction
+        int u_axis;  // the axes the face spans
         int v_axis;
     };
-    static constexpr Face kFaces[] = {{0, 1, 2, 1}, {0, -1, 2, 1}, {1, 1, 0, 2},
-                                      {1, -1, 0, 2}, {2, 1, 0, 1}, {2, -1, 0, 1}};
+    static constexpr Face kFaces[] = {{0, 1, 2, 1},  {0, -1, 2, 1}, {1, 1, 0, 2},
+                                      {1, -1, 0, 2}, {2, 1, 0, 1},  {2, -1, 0, 1}};
     for (const Face& face : kFaces) {
         const auto base = static_cast<uint16_t>(model.vertices.size());
         for (int corner = 0; corner < 4; ++corner) {
@@ -103,8 +103,8 @@ RenderModelCatalog::RenderModelCatalog()
     models_.push_back(Model(kHeadsetModel, kHeadsetTexture, {{{0.0f, 0.0f, -0.04f}, {0.09f, 0.05f, 0.05f}}}));
     CatalogModel controller = Model(kControllerModel, kControllerTexture, {kHandle, kHead, kTrigger});
     controller.components = {
-        {"trigger", std::string(kControllerTriggerModel),
-         uint64_t{1} << vr::k_EButton_SteamVR_Trigger, kTrigger.centre},
+        {"trigger", std::string(kControllerTriggerModel), uint64_t{1} << vr::k_EButton_SteamVR_Trigger,
+         kTrigger.centre},
         {vr::k_pch_Controller_Component_Tip, {}, 0, {0.0f, 0.0f, -0.085f}},
         {vr::k_pch_Controller_Component_Base, {}, 0, {0.0f, -0.025f, 0.09f}},
         {vr::k_pch_Controller_Component_HandGrip, {}, 0, {0.0f, -0.01f, 0.03f}},

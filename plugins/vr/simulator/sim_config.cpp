@@ -259,7 +259,8 @@ void ReadHead(Reader& r, const Value& object, const std::string& path, HeadPathC
 void ReadDevice(Reader& r, const Value& object, const std::string& path, DeviceConfig& device, size_t number)
 {
     if (!r.Object(object, path,
-                  {"class", "role", "serial", "model", "render_model", "position", "connected", "invalid_pose", "buttons", "axes"}))
+                  {"class", "role", "serial", "model", "render_model", "position", "connected", "invalid_pose",
+                   "buttons", "axes"}))
         return;
     std::string kind = "controller";
     r.String(object, path, "class", kind);
@@ -364,8 +365,8 @@ bool ParseSimConfig(std::string_view json, SimConfig& config, std::string& error
     Reader r(error);
     if (!r.Object(document, "",
                   {"hmd_present", "refresh_rate", "paced", "render_width", "render_height", "ipd_meters", "fov_degrees",
-                   "tracking_system_name", "hmd_serial", "hmd_model", "hmd_render_model", "hmd_connected", "hmd_invalid_pose", "head",
-                   "devices", "capture", "render_model_loading_calls", "log_limit"}))
+                   "tracking_system_name", "hmd_serial", "hmd_model", "hmd_render_model", "hmd_connected",
+                   "hmd_invalid_pose", "head", "devices", "capture", "render_model_loading_calls", "log_limit"}))
         return false;
     r.Bool(document, "", "hmd_present", parsed.hmd_present);
     r.Number(document, "", "refresh_rate", parsed.refresh_rate, 1.0, 1000.0);

@@ -104,7 +104,7 @@ struct SimConfig {
     std::vector<DeviceConfig> devices;  // tracked device indices 1, 2, ...
     CaptureConfig capture;
     uint32_t render_model_loading_calls = 2;  // VRRenderModelError_Loading answers per model and texture
-    uint32_t log_limit = 4096;  // submissions and haptic pulses kept for inspection
+    uint32_t log_limit = 4096;                // submissions and haptic pulses kept for inspection
 };
 
 // Parses the runtime's JSON configuration over the defaults. False with a message naming the bad

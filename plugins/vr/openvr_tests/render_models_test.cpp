@@ -231,7 +231,7 @@ TEST_F(RenderModelsTest, CountNamesAndComponentsAnswerConsistently)
                  "VRRenderModelError_Loading");
     EXPECT_STREQ(models_->GetRenderModelErrorNameFromEnum(vr::VRRenderModelError_InvalidTexture),
                  "VRRenderModelError_InvalidTexture");
-    EXPECT_STREQ(models_->GetRenderModelErrorNameFromEnum(static_cast<vr::EVRRenderModelError>(12345)),
+    EXPECT_STREQ(models_->GetRenderModelErrorNameFromEnum(static_cast<vr::EVRRenderModelError>(299)),
                  "Unknown render model error");
 
     // Models built in memory have no thumbnail and no original file: an empty answer.

@@ -1,6 +1,5 @@
 #include "plugins/vr/simulator/sim_render_models.h"
 
-#include <cstring>
 #include <string_view>
 
 #include "plugins/vr/simulator/openvr_enum_names.h"
@@ -19,7 +18,7 @@ uint32_t CopyName(std::string_view value, char* buffer, uint32_t size)
             buffer[0] = '\0';
         return needed;
     }
-    std::memcpy(buffer, value.data(), value.size());
+    value.copy(buffer, value.size());
     buffer[value.size()] = '\0';
     return needed;
 }

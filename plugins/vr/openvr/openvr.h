@@ -1,8 +1,9 @@
-// OpenVR client interfaces, binary compatible with the official IVRSystem_017 and IVRCompositor_022.
-// Written from the published API description (release 1.0.11): the enums with their values, the structs
-// with their fields and official packing, and both interface classes with every method in declaration
-// order, since the order of the virtual table is the binary contract with the runtime. The inline
-// VR_Init, VR_Shutdown, VRSystem() and VRCompositor() work as in the official header: each module
+// OpenVR client interfaces, binary compatible with the official IVRSystem_017, IVRCompositor_022 and
+// IVRRenderModels_005. Written from the published API description (release 1.0.11): the enums with
+// their values, the structs with their fields and official packing, and the interface classes with
+// every method in declaration order, since the order of the virtual table is the binary contract with
+// the runtime. The inline VR_Init, VR_Shutdown, VRSystem(), VRCompositor() and VRRenderModels() work
+// as in the official header: each module
 // (shared object) keeps its own table of interface pointers and the init token it last saw.
 #pragma once
 
@@ -1337,6 +1338,98 @@ protected:
     ~IVRCompositor() = default;
 };
 
+// Render models: the meshes and textures of the tracked devices, for applications that draw them.
+
+// Component names that controller render models commonly have.
+static constexpr const char* k_pch_Controller_Component_GDC2015 = "gdc2015";
+static constexpr const char* k_pch_Controller_Component_Base = "base";
+static constexpr const char* k_pch_Controller_Component_Tip = "tip";
+static constexpr const char* k_pch_Controller_Component_HandGrip = "handgrip";
+static constexpr const char* k_pch_Controller_Component_Status = "status";
+
+// Texture ids below zero mean "no texture".
+static constexpr TextureID_t INVALID_TEXTURE_ID = -1;
+
+struct RenderModel_ComponentState_t {
+    HmdMatrix34_t mTrackingToComponentRenderModel;  // what to draw the component's model with
+    HmdMatrix34_t mTrackingToComponentLocal;        // the component's own frame (e.g. a tip)
+    VRComponentProperties uProperties;              // EVRComponentProperty bits
+};
+
+// The mesh structs are packed to 4 bytes on Linux and macOS, so that 32- and 64-bit builds once shared
+// one layout: pointers follow 4-byte fields without padding.
+#if defined(__linux__) || defined(__APPLE__)
+#pragma pack(push, 4)
+#endif
+
+struct RenderModel_Vertex_t {
+    HmdVector3_t vPosition;
+    HmdVector3_t vNormal;
+    float rfTextureCoord[2];
+};
+
+// RGBA, 8 bits per channel, unWidth * unHeight * 4 bytes, top row first.
+struct RenderModel_TextureMap_t {
+    uint16_t unWidth;
+    uint16_t unHeight;
+    const uint8_t* rubTextureMapData;
+};
+
+struct RenderModel_t {
+    const RenderModel_Vertex_t* rVertexData;
+    uint32_t unVertexCount;
+    const uint16_t* rIndexData;  // 3 * unTriangleCount indices
+    uint32_t unTriangleCount;
+    TextureID_t diffuseTextureId;  // INVALID_TEXTURE_ID when the model has no texture
+};
+
+struct RenderModel_ControllerMode_State_t {
+    bool bScrollWheelVisible;
+};
+
+#if defined(__linux__) || defined(__APPLE__)
+#pragma pack(pop)
+#endif
+
+// The runtime implements this class; IVRRenderModels_Version names the version. The *_Async calls
+// answer VRRenderModelError_Loading until the data is ready: applications call them again each frame.
+class IVRRenderModels {
+public:
+    virtual EVRRenderModelError LoadRenderModel_Async(const char* pchRenderModelName,
+                                                      RenderModel_t** ppRenderModel) = 0;
+    virtual void FreeRenderModel(RenderModel_t* pRenderModel) = 0;
+    virtual EVRRenderModelError LoadTexture_Async(TextureID_t textureId, RenderModel_TextureMap_t** ppTexture) = 0;
+    virtual void FreeTexture(RenderModel_TextureMap_t* pTexture) = 0;
+    virtual EVRRenderModelError LoadTextureD3D11_Async(TextureID_t textureId, void* pD3D11Device,
+                                                       void** ppD3D11Texture2D) = 0;
+    virtual EVRRenderModelError LoadIntoTextureD3D11_Async(TextureID_t textureId, void* pDstTexture) = 0;
+    virtual void FreeTextureD3D11(void* pD3D11Texture2D) = 0;
+    virtual uint32_t GetRenderModelName(uint32_t unRenderModelIndex, char* pchRenderModelName,
+                                        uint32_t unRenderModelNameLen) = 0;
+    virtual uint32_t GetRenderModelCount() = 0;
+    virtual uint32_t GetComponentCount(const char* pchRenderModelName) = 0;
+    virtual uint32_t GetComponentName(const char* pchRenderModelName, uint32_t unComponentIndex, char* pchComponentName,
+                                      uint32_t unComponentNameLen) = 0;
+    virtual uint64_t GetComponentButtonMask(const char* pchRenderModelName, const char* pchComponentName) = 0;
+    virtual uint32_t GetComponentRenderModelName(const char* pchRenderModelName, const char* pchComponentName,
+                                                 char* pchComponentRenderModelName,
+                                                 uint32_t unComponentRenderModelNameLen) = 0;
+    virtual bool GetComponentState(const char* pchRenderModelName, const char* pchComponentName,
+                                   const VRControllerState_t* pControllerState,
+                                   const RenderModel_ControllerMode_State_t* pState,
+                                   RenderModel_ComponentState_t* pComponentState) = 0;
+    virtual bool RenderModelHasComponent(const char* pchRenderModelName, const char* pchComponentName) = 0;
+    virtual uint32_t GetRenderModelThumbnailURL(const char* pchRenderModelName, char* pchThumbnailURL,
+                                                uint32_t unThumbnailURLLen, EVRRenderModelError* peError) = 0;
+    virtual uint32_t GetRenderModelOriginalPath(const char* pchRenderModelName, char* pchOriginalPath,
+                                                uint32_t unOriginalPathLen, EVRRenderModelError* peError) = 0;
+    virtual const char* GetRenderModelErrorNameFromEnum(EVRRenderModelError error) = 0;
+
+protected:
+    // Never destroyed through this interface: the runtime owns the object.
+    ~IVRRenderModels() = default;
+};
+
 #pragma pack(pop)
 
 // The client library's loader functions (norvane_openvr_client). C linkage keeps their symbol names
@@ -1357,11 +1450,13 @@ uint32_t VR_GetInitToken();
 struct NORVANE_OPENVR_MODULE_LOCAL COpenVRContext {
     IVRSystem* m_pVRSystem = nullptr;
     IVRCompositor* m_pVRCompositor = nullptr;
+    IVRRenderModels* m_pVRRenderModels = nullptr;
 
     void Clear()
     {
         m_pVRSystem = nullptr;
         m_pVRCompositor = nullptr;
+        m_pVRRenderModels = nullptr;
     }
 
     // A token that moved on means a shutdown (and perhaps a new init) happened: every cached pointer
@@ -1370,6 +1465,7 @@ struct NORVANE_OPENVR_MODULE_LOCAL COpenVRContext {
 
     IVRSystem* VRSystem();
     IVRCompositor* VRCompositor();
+    IVRRenderModels* VRRenderModels();
 };
 
 NORVANE_OPENVR_MODULE_LOCAL inline uint32_t& VRToken()
@@ -1412,11 +1508,26 @@ inline IVRCompositor* COpenVRContext::VRCompositor()
     return m_pVRCompositor;
 }
 
+inline IVRRenderModels* COpenVRContext::VRRenderModels()
+{
+    CheckClear();
+    if (m_pVRRenderModels == nullptr) {
+        EVRInitError error = VRInitError_None;
+        m_pVRRenderModels = static_cast<IVRRenderModels*>(VR_GetGenericInterface(IVRRenderModels_Version, &error));
+    }
+    return m_pVRRenderModels;
+}
+
 NORVANE_OPENVR_MODULE_LOCAL inline IVRSystem* VRSystem() { return OpenVRInternal_ModuleContext().VRSystem(); }
 
 NORVANE_OPENVR_MODULE_LOCAL inline IVRCompositor* VRCompositor()
 {
     return OpenVRInternal_ModuleContext().VRCompositor();
+}
+
+NORVANE_OPENVR_MODULE_LOCAL inline IVRRenderModels* VRRenderModels()
+{
+    return OpenVRInternal_ModuleContext().VRRenderModels();
 }
 
 // Starts the runtime. On success returns the system interface; otherwise null, with the reason in

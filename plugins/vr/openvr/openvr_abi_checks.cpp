@@ -45,10 +45,29 @@ static_assert(offsetof(Compositor_FrameTiming, m_HmdPose) == 96);
 static_assert(sizeof(Compositor_FrameTiming) == 176);
 static_assert(sizeof(Compositor_CumulativeStats) == 15 * 4);
 
+// The render model mesh structs are packed to 4 bytes on Linux: pointers sit at 4-byte offsets.
+static_assert(sizeof(RenderModel_Vertex_t) == 32);
+static_assert(offsetof(RenderModel_Vertex_t, vNormal) == 12);
+static_assert(offsetof(RenderModel_Vertex_t, rfTextureCoord) == 24);
+static_assert(sizeof(RenderModel_TextureMap_t) == 12);
+static_assert(offsetof(RenderModel_TextureMap_t, unHeight) == 2);
+static_assert(offsetof(RenderModel_TextureMap_t, rubTextureMapData) == 4);
+static_assert(sizeof(RenderModel_t) == 28);
+static_assert(offsetof(RenderModel_t, unVertexCount) == 8);
+static_assert(offsetof(RenderModel_t, rIndexData) == 12);
+static_assert(offsetof(RenderModel_t, unTriangleCount) == 20);
+static_assert(offsetof(RenderModel_t, diffuseTextureId) == 24);
+static_assert(sizeof(RenderModel_ControllerMode_State_t) == 1);
+static_assert(offsetof(RenderModel_ComponentState_t, mTrackingToComponentLocal) == 48);
+static_assert(offsetof(RenderModel_ComponentState_t, uProperties) == 96);
+static_assert(sizeof(RenderModel_ComponentState_t) == 100);
+
 // Enumerations travel as 32-bit integers through the interfaces.
 static_assert(sizeof(EVRInitError) == 4);
 static_assert(sizeof(ETrackedDeviceProperty) == 4);
 static_assert(sizeof(EDeviceActivityLevel) == 4);
+static_assert(sizeof(EVRRenderModelError) == 4);
+static_assert(sizeof(TextureID_t) == 4);
 
 static_assert(k_unMaxTrackedDeviceCount == 64);
 static_assert(k_unControllerStateAxisCount == 5);

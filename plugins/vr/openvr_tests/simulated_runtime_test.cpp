@@ -139,7 +139,7 @@ TEST_F(SimulatedRuntimeTest, StringPropertiesFollowTheTwoCallProtocol)
     EXPECT_EQ(error, vr::TrackedProp_WrongDataType);
     system_->GetStringTrackedDeviceProperty(0, static_cast<vr::ETrackedDeviceProperty>(4242), buffer, 8, &error);
     EXPECT_EQ(error, vr::TrackedProp_UnknownProperty);
-    system_->GetStringTrackedDeviceProperty(0, vr::Prop_RenderModelName_String, buffer, 8, &error);
+    system_->GetStringTrackedDeviceProperty(0, vr::Prop_DriverVersion_String, buffer, 8, &error);
     EXPECT_EQ(error, vr::TrackedProp_ValueNotProvidedByDevice);
     EXPECT_STREQ(system_->GetPropErrorNameFromEnum(vr::TrackedProp_BufferTooSmall), "TrackedProp_BufferTooSmall");
 }
@@ -447,6 +447,12 @@ INSTANTIATE_TEST_SUITE_P(
                       BadConfiguration{R"({"head": {"keyframes": [{"frame": 5}, {"frame": 5}]}})",
                                        "increasing frame order"},
                       BadConfiguration{R"({"capture": {"png_frames": [1]}})", "png_frames needs a png_folder"},
+                      BadConfiguration{R"({"devices": [{"render_model": "vr_controller_vive_1_5"}]})",
+                                       "devices[0].render_model: expected one of norvane_vrsim_headset, "
+                                       "norvane_vrsim_controller, norvane_vrsim_controller_trigger, "
+                                       "norvane_vrsim_tracker, norvane_vrsim_base_station"},
+                      BadConfiguration{R"({"render_model_loading_calls": -1})",
+                                       "render_model_loading_calls: expected an integer from 0 to 1000"},
                       BadConfiguration{"[1, 2]", "expected an object"}));
 
 TEST(SimulatedRuntimeConfigTest, MissingNamedFileFailsAndConfigFolderFileIsFound)

@@ -1,6 +1,7 @@
 #include "plugins/vr/simulator/device_table.h"
 
 #include "plugins/vr/simulator/head_path.h"
+#include "plugins/vr/simulator/render_model_catalog.h"
 
 namespace kesta::vrsim {
 
@@ -33,6 +34,13 @@ const std::string& DeviceTable::SerialOf(vr::TrackedDeviceIndex_t index) const
 const std::string& DeviceTable::ModelOf(vr::TrackedDeviceIndex_t index) const
 {
     return index == vr::k_unTrackedDeviceIndex_Hmd ? config_.hmd_model : config_.devices[index - 1].model;
+}
+
+std::string_view DeviceTable::RenderModelOf(vr::TrackedDeviceIndex_t index) const
+{
+    const std::string& configured =
+        index == vr::k_unTrackedDeviceIndex_Hmd ? config_.hmd_render_model : config_.devices[index - 1].render_model;
+    return configured.empty() ? DefaultRenderModel(ClassOf(index)) : std::string_view(configured);
 }
 
 vr::TrackedDevicePose_t DeviceTable::PoseAt(vr::TrackedDeviceIndex_t index, uint64_t frame) const

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 #include "plugins/vr/openvr/openvr.h"
 #include "plugins/vr/simulator/sim_config.h"
@@ -24,6 +25,8 @@ public:
     bool IsConnected(vr::TrackedDeviceIndex_t index, uint64_t frame) const;
     const std::string& SerialOf(vr::TrackedDeviceIndex_t index) const;
     const std::string& ModelOf(vr::TrackedDeviceIndex_t index) const;
+    // The configured render model, else the default model of the device's class.
+    std::string_view RenderModelOf(vr::TrackedDeviceIndex_t index) const;
 
     // A device that does not exist, or is disconnected, has an invalid, zero pose.
     vr::TrackedDevicePose_t PoseAt(vr::TrackedDeviceIndex_t index, uint64_t frame) const;

@@ -423,6 +423,22 @@ const NamedValue kEVRControllerAxisTypeNames[] = {
     {3, "k_eControllerAxis_Trigger"},
 };
 
+const NamedValue kEVRRenderModelErrorNames[] = {
+    {0, "VRRenderModelError_None"},
+    {100, "VRRenderModelError_Loading"},
+    {200, "VRRenderModelError_NotSupported"},
+    {300, "VRRenderModelError_InvalidArg"},
+    {301, "VRRenderModelError_InvalidModel"},
+    {302, "VRRenderModelError_NoShapes"},
+    {303, "VRRenderModelError_MultipleShapes"},
+    {304, "VRRenderModelError_TooManyVertices"},
+    {305, "VRRenderModelError_MultipleTextures"},
+    {306, "VRRenderModelError_BufferTooSmall"},
+    {307, "VRRenderModelError_NotEnoughNormals"},
+    {308, "VRRenderModelError_NotEnoughTexCoords"},
+    {400, "VRRenderModelError_InvalidTexture"},
+};
+
 }  // namespace
 
 const char* NameOf(vr::EVRInitError value) { return Find(kEVRInitErrorNames, static_cast<int64_t>(value)); }
@@ -444,6 +460,11 @@ const char* NameOf(vr::EVRButtonId value) { return Find(kEVRButtonIdNames, stati
 const char* NameOf(vr::EVRControllerAxisType value)
 {
     return Find(kEVRControllerAxisTypeNames, static_cast<int64_t>(value));
+}
+
+const char* NameOf(vr::EVRRenderModelError value)
+{
+    return Find(kEVRRenderModelErrorNames, static_cast<int64_t>(value));
 }
 
 }  // namespace kesta::vrsim

@@ -12,5 +12,6 @@ const char* NameOf(vr::ETrackedDeviceProperty value);
 const char* NameOf(vr::EVREventType value);
 const char* NameOf(vr::EVRButtonId value);
 const char* NameOf(vr::EVRControllerAxisType value);
+const char* NameOf(vr::EVRRenderModelError value);
 
 }  // namespace kesta::vrsim

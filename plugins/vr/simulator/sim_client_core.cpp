@@ -17,6 +17,15 @@ std::unique_ptr<SimSession>& SessionSlot()
     return session;
 }
 
+bool Is(const char* name, const char* version) { return name != nullptr && std::strcmp(name, version) == 0; }
+
+// The interface versions this runtime serves.
+bool Offered(const char* name)
+{
+    return Is(name, vr::IVRSystem_Version) || Is(name, vr::IVRCompositor_Version) ||
+           Is(name, vr::IVRRenderModels_Version);
+}
+
 class SimClientCore final : public vr::IVRClientCore {
 public:
     vr::EVRInitError Init(vr::EVRApplicationType eApplicationType, const char*) override
@@ -40,13 +49,10 @@ public:
 
     vr::EVRInitError IsInterfaceVersionValid(const char* pchInterfaceVersion) override
     {
-        if (pchInterfaceVersion != nullptr && (std::strcmp(pchInterfaceVersion, vr::IVRSystem_Version) == 0 ||
-                                               std::strcmp(pchInterfaceVersion, vr::IVRCompositor_Version) == 0))
-            return vr::VRInitError_None;
-        return vr::VRInitError_Init_InvalidInterface;
+        return Offered(pchInterfaceVersion) ? vr::VRInitError_None : vr::VRInitError_Init_InvalidInterface;
     }
 
-    // Only the two C++ interfaces exist; the C function tables ("FnTable:" names) are not offered.
+    // Only these C++ interfaces exist; the C function tables ("FnTable:" names) are not offered.
     void* GetGenericInterface(const char* pchNameAndVersion, vr::EVRInitError* peError) override
     {
         SimSession* session = CurrentSession();
@@ -54,10 +60,12 @@ public:
         void* result = nullptr;
         if (session == nullptr)
             error = vr::VRInitError_Init_NotInitialized;
-        else if (pchNameAndVersion != nullptr && std::strcmp(pchNameAndVersion, vr::IVRSystem_Version) == 0)
+        else if (Is(pchNameAndVersion, vr::IVRSystem_Version))
             result = static_cast<vr::IVRSystem*>(&session->system);
-        else if (pchNameAndVersion != nullptr && std::strcmp(pchNameAndVersion, vr::IVRCompositor_Version) == 0)
+        else if (Is(pchNameAndVersion, vr::IVRCompositor_Version))
             result = static_cast<vr::IVRCompositor*>(&session->compositor);
+        else if (Is(pchNameAndVersion, vr::IVRRenderModels_Version))
+            result = static_cast<vr::IVRRenderModels*>(&session->render_models);
         else
             error = vr::VRInitError_Init_InvalidInterface;
         if (peError != nullptr)

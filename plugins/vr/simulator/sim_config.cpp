@@ -11,6 +11,7 @@
 #include <sstream>
 
 #include "plugins/vr/openvr/openvr_paths.h"
+#include "plugins/vr/simulator/render_model_catalog.h"
 
 namespace kesta::vrsim {
 
@@ -102,6 +103,23 @@ public:
             else
                 Fail(Join(path, key), "expected a string");
         }
+    }
+
+    // One of the render models the runtime has.
+    void RenderModel(const Value& object, const std::string& path, const char* key, std::string& out)
+    {
+        std::string name;
+        String(object, path, key, name);
+        if (name.empty())
+            return;
+        if (IsRenderModelName(name)) {
+            out = name;
+            return;
+        }
+        std::string known;
+        for (std::string_view model : kRenderModelNames)
+            known += (known.empty() ? "" : ", ") + std::string(model);
+        Fail(Join(path, key), "expected one of " + known);
     }
 
     void Position(const Value& object, const std::string& path, const char* key, Vec3& out)
@@ -241,7 +259,8 @@ void ReadHead(Reader& r, const Value& object, const std::string& path, HeadPathC
 void ReadDevice(Reader& r, const Value& object, const std::string& path, DeviceConfig& device, size_t number)
 {
     if (!r.Object(object, path,
-                  {"class", "role", "serial", "model", "position", "connected", "invalid_pose", "buttons", "axes"}))
+                  {"class", "role", "serial", "model", "render_model", "position", "connected", "invalid_pose",
+                   "buttons", "axes"}))
         return;
     std::string kind = "controller";
     r.String(object, path, "class", kind);
@@ -265,6 +284,7 @@ void ReadDevice(Reader& r, const Value& object, const std::string& path, DeviceC
     device.model = "Norvane Simulated " + kind;
     r.String(object, path, "serial", device.serial);
     r.String(object, path, "model", device.model);
+    r.RenderModel(object, path, "render_model", device.render_model);
     r.Position(object, path, "position", device.position);
     r.Ranges(object, path, "connected", device.connected);
     r.Ranges(object, path, "invalid_pose", device.invalid_pose);
@@ -345,8 +365,8 @@ bool ParseSimConfig(std::string_view json, SimConfig& config, std::string& error
     Reader r(error);
     if (!r.Object(document, "",
                   {"hmd_present", "refresh_rate", "paced", "render_width", "render_height", "ipd_meters", "fov_degrees",
-                   "tracking_system_name", "hmd_serial", "hmd_model", "hmd_connected", "hmd_invalid_pose", "head",
-                   "devices", "capture", "log_limit"}))
+                   "tracking_system_name", "hmd_serial", "hmd_model", "hmd_render_model", "hmd_connected",
+                   "hmd_invalid_pose", "head", "devices", "capture", "render_model_loading_calls", "log_limit"}))
         return false;
     r.Bool(document, "", "hmd_present", parsed.hmd_present);
     r.Number(document, "", "refresh_rate", parsed.refresh_rate, 1.0, 1000.0);
@@ -365,6 +385,7 @@ bool ParseSimConfig(std::string_view json, SimConfig& config, std::string& error
     r.String(document, "", "tracking_system_name", parsed.tracking_system_name);
     r.String(document, "", "hmd_serial", parsed.hmd_serial);
     r.String(document, "", "hmd_model", parsed.hmd_model);
+    r.RenderModel(document, "", "hmd_render_model", parsed.hmd_render_model);
     r.Ranges(document, "", "hmd_connected", parsed.hmd_connected);
     r.Ranges(document, "", "hmd_invalid_pose", parsed.hmd_invalid_pose);
     if (const Value* head = r.Find(document, "head"))
@@ -383,6 +404,7 @@ bool ParseSimConfig(std::string_view json, SimConfig& config, std::string& error
     }
     if (const Value* capture = r.Find(document, "capture"))
         ReadCapture(r, *capture, "capture", parsed.capture);
+    r.Unsigned(document, "", "render_model_loading_calls", parsed.render_model_loading_calls, 0, 1000);
     r.Unsigned(document, "", "log_limit", parsed.log_limit, 1, 1u << 24);
     if (!r.ok())
         return false;

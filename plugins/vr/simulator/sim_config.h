@@ -72,6 +72,7 @@ struct DeviceConfig {
     vr::ETrackedControllerRole role = vr::TrackedControllerRole_Invalid;
     std::string serial;
     std::string model;
+    std::string render_model;  // empty: the default model of the class
     Vec3 position;
     std::vector<FrameRange> connected{FrameRange{}};  // default: always connected
     std::vector<FrameRange> invalid_pose;
@@ -96,12 +97,14 @@ struct SimConfig {
     std::string tracking_system_name = "norvane_vrsim";
     std::string hmd_serial = "VRSIM-HMD-0001";
     std::string hmd_model = "Norvane Simulated Headset";
+    std::string hmd_render_model;  // empty: the default headset model
     std::vector<FrameRange> hmd_connected{FrameRange{}};
     std::vector<FrameRange> hmd_invalid_pose;
     HeadPathConfig head;
     std::vector<DeviceConfig> devices;  // tracked device indices 1, 2, ...
     CaptureConfig capture;
-    uint32_t log_limit = 4096;  // submissions and haptic pulses kept for inspection
+    uint32_t render_model_loading_calls = 2;  // VRRenderModelError_Loading answers per model and texture
+    uint32_t log_limit = 4096;                // submissions and haptic pulses kept for inspection
 };
 
 // Parses the runtime's JSON configuration over the defaults. False with a message naming the bad

@@ -323,6 +323,9 @@ uint32_t SimSystem::GetStringTrackedDeviceProperty(vr::TrackedDeviceIndex_t unDe
         case vr::Prop_ManufacturerName_String:
             value = "Norvane";
             break;
+        case vr::Prop_RenderModelName_String:
+            value = devices.RenderModelOf(unDeviceIndex);
+            break;
         default:
             SetError(pError, vr::TrackedProp_ValueNotProvidedByDevice);
             return 0;
@@ -383,7 +386,9 @@ bool SimSystem::GetControllerState(vr::TrackedDeviceIndex_t unControllerDeviceIn
         return false;
     const DeviceTable& devices = runtime_.devices();
     const uint64_t frame = runtime_.frame();
-    if (unControllerDeviceIndex == vr::k_unTrackedDeviceIndex_Hmd ||
+    // Headsets and base stations have no buttons or axes.
+    const vr::ETrackedDeviceClass device_class = devices.ClassOf(unControllerDeviceIndex);
+    if (device_class == vr::TrackedDeviceClass_HMD || device_class == vr::TrackedDeviceClass_TrackingReference ||
         !devices.IsConnected(unControllerDeviceIndex, frame)) {
         *pControllerState = vr::VRControllerState_t{};
         return false;

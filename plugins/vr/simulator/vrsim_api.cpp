@@ -56,4 +56,10 @@ void VrSimClearLogs(void)
         session->runtime.ClearLogs();
 }
 
+uint64_t VrSimRenderModelsOutstanding(void)
+{
+    const auto* session = CurrentSession();
+    return session != nullptr ? session->render_models.OutstandingCount() : 0;
+}
+
 }  // extern "C"

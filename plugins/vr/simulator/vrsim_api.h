@@ -42,6 +42,9 @@ int VrSimGetHapticPulse(uint64_t index, struct VrSimHapticPulse* out);
 // `capacity` is large enough. Returns the size in bytes of that picture, 0 when there is none.
 uint64_t VrSimCopyLastPixels(uint32_t eye, void* buffer, uint64_t capacity, uint32_t* width, uint32_t* height);
 
+// Render models and textures that IVRRenderModels handed out and that were not freed yet.
+uint64_t VrSimRenderModelsOutstanding(void);
+
 // Forgets the recorded submissions, pulses and pixels; the frame counter keeps running.
 void VrSimClearLogs(void);
 

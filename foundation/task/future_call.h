@@ -43,11 +43,15 @@ public:
     // The function's own exceptions are not caught: they end the worker like any task's.
     void call() override
     {
+        // The captures are released before the waiter is woken, as for run_call.
         if constexpr (std::is_void_v<R>) {
             function();
+            function = nullptr;
             promise.set_value();
         } else {
-            promise.set_value(function());
+            R result = function();
+            function = nullptr;
+            promise.set_value(std::move(result));
         }
     }
     std::future<R> get_future() override { return promise.get_future(); }
@@ -61,7 +65,13 @@ class future_call_task : public task {
 public:
     explicit future_call_task(std::function<R()> f) : function(std::move(f)) {}
 
-    void run() override { function(); }
+    // The bound function and what it captured die with the call, not whenever the worker gets round
+    // to releasing the finished task: whoever waits for the call's end may count on them being gone.
+    void run() override
+    {
+        function();
+        function = nullptr;
+    }
     // The type of the bound function, which makes deferred calls readable in the task view.
     const char* get_name() override { return function ? function.target_type().name() : typeid(void).name(); }
 

@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <functional>
+#include <memory>
 #include <stdexcept>
 
 #include "foundation/task/call_queue.h"
@@ -59,6 +60,30 @@ TEST(DeferredCall, RoundTripRunsOnTheAddressedWorker)
     std::future<bool> beyond = run_call_with_return_value<bool>(
         system, [] { return get_thread_name(std::this_thread::get_id()) == "Task worker #1"; }, 9, 0);
     EXPECT_TRUE(beyond.get()) << "affinity beyond the pool lands on the last worker";
+    system.stop();
+}
+
+TEST(DeferredCall, CapturesAreReleasedWhenTheCallIsDone)
+{
+    // A worker releases a finished task lazily, before it next sleeps; the captures must not wait
+    // for that. Repeated, since the lazy release loses the race only now and then.
+    task_system system;
+    ASSERT_TRUE(system.start(2));
+    for (int round = 0; round < 200; ++round) {
+        auto held = std::make_shared<int>(round);
+        std::weak_ptr<int> watch = held;
+        run_call<void>(
+            system, [held = std::move(held)] { EXPECT_GE(*held, 0); }, nullptr, 0);
+        system.wait_for_all();
+        ASSERT_TRUE(watch.expired()) << "round " << round;
+
+        auto returned = std::make_shared<int>(round);
+        std::weak_ptr<int> returned_watch = returned;
+        std::future<int> result = run_call_with_return_value<int>(
+            system, [returned = std::move(returned)] { return *returned; }, 1, 0);
+        EXPECT_EQ(result.get(), round);
+        ASSERT_TRUE(returned_watch.expired()) << "round " << round;
+    }
     system.stop();
 }
 

@@ -41,23 +41,30 @@ public:
     explicit future_call_with_return_value(std::function<R()> f) : function(std::move(f)) {}
 
     // The function's own exceptions are not caught: they end the worker like any task's.
-    void call() override
-    {
-        // The captures are released before the waiter is woken, as for run_call.
-        if constexpr (std::is_void_v<R>) {
-            function();
-            function = nullptr;
-            promise.set_value();
-        } else {
-            R result = function();
-            function = nullptr;
-            promise.set_value(std::move(result));
-        }
-    }
+    void call() override { run(false); }
+    // As call(), but the function and what it captured are released before the waiter is woken,
+    // as run_call's are: the task form calls this, since the call runs once there.
+    void call_and_release() { run(true); }
     std::future<R> get_future() override { return promise.get_future(); }
 
     std::function<R()> function;
     std::promise<R> promise;
+
+private:
+    void run(bool release)
+    {
+        if constexpr (std::is_void_v<R>) {
+            function();
+            if (release)
+                function = nullptr;
+            promise.set_value();
+        } else {
+            R result = function();
+            if (release)
+                function = nullptr;
+            promise.set_value(std::move(result));
+        }
+    }
 };
 
 template <typename R>
@@ -83,7 +90,7 @@ class future_call_task_with_return_value : public task {
 public:
     explicit future_call_task_with_return_value(std::function<R()> f) : call_object(std::move(f)) {}
 
-    void run() override { call_object.call(); }
+    void run() override { call_object.call_and_release(); }
 
     future_call_with_return_value<R> call_object;
 };

@@ -425,6 +425,18 @@ TEST_F(RenderSystemFrame, FrameWithoutRenderablesClearsComposesAndEnds)
     EXPECT_TRUE(render_system.primitive_lists.Empty());
 }
 
+TEST_F(RenderSystemFrame, Without3DResourcesAFrameShowsNothing)
+{
+    render_system.Free();
+    renderer.Close();
+    Start(false);
+    Frame();
+    const Strings names = renderer.CallNames();
+    EXPECT_EQ(std::count(names.begin(), names.end(), "DrawBuffers"), 0);
+    EXPECT_EQ(std::count(names.begin(), names.end(), "SetShader"), 0);
+    EXPECT_EQ(names.back(), "SetDepthTest");
+}
+
 TEST_F(RenderSystemFrame, ClockAdvancesSixteenMillisecondsAFrame)
 {
     renderer.record_calls = false;

@@ -10,6 +10,7 @@
 #include "foundation/time/timer_thread.h"
 #include "io/filesystem.h"
 #include "overlay/imgui_shared_state.h"
+#include "platform/input/input_system.h"
 
 namespace kesta {
 
@@ -28,6 +29,7 @@ EngineSingletons::EngineSingletons()
       engine_signals_(std::make_unique<EngineSignals>()),
       renderer_factory_table_(std::make_unique<RendererFactoryTable>()),
       frame_renderer_factory_(std::make_unique<FrameRendererFactory>()),
+      input_system_(std::make_unique<InputSystem>()),
       imgui_shared_state_(std::make_unique<ImGuiSharedState>())
 {
     g_log_system = log_system_.get();
@@ -39,6 +41,7 @@ EngineSingletons::EngineSingletons()
     g_engine_signals = engine_signals_.get();
     g_renderer_factory_table = renderer_factory_table_.get();
     g_frame_renderer_factory = frame_renderer_factory_.get();
+    g_input_system = input_system_.get();
     g_imgui_shared_state = imgui_shared_state_.get();
     timer_->start(kTimerTickMs);
 }
@@ -47,6 +50,7 @@ EngineSingletons::~EngineSingletons()
 {
     tasks_->stop();
     g_imgui_shared_state = nullptr;
+    g_input_system = nullptr;
     g_frame_renderer_factory = nullptr;
     g_renderer_factory_table = nullptr;
     g_engine_signals = nullptr;
@@ -55,6 +59,7 @@ EngineSingletons::~EngineSingletons()
     g_profiler = nullptr;
     g_task_system = nullptr;
     imgui_shared_state_.reset();
+    input_system_.reset();
     frame_renderer_factory_.reset();
     renderer_factory_table_.reset();
     engine_signals_.reset();

@@ -13,6 +13,7 @@ class GpuResourceRegistry;
 class EngineSignals;
 class RendererFactoryTable;
 class FrameRendererFactory;
+class InputSystem;
 struct ImGuiSharedState;
 
 // The process-wide objects a host creates at start-up, published in the engine globals by the
@@ -36,6 +37,7 @@ public:
     EngineSignals& engine_signals() { return *engine_signals_; }
     RendererFactoryTable& renderer_factory_table() { return *renderer_factory_table_; }
     FrameRendererFactory& frame_renderer_factory() { return *frame_renderer_factory_; }
+    InputSystem& input_system() { return *input_system_; }
     ImGuiSharedState& imgui_shared_state() { return *imgui_shared_state_; }
 
 private:
@@ -48,6 +50,7 @@ private:
     std::unique_ptr<EngineSignals> engine_signals_;
     std::unique_ptr<RendererFactoryTable> renderer_factory_table_;
     std::unique_ptr<FrameRendererFactory> frame_renderer_factory_;
+    std::unique_ptr<InputSystem> input_system_;
     std::unique_ptr<ImGuiSharedState> imgui_shared_state_;
 };
 

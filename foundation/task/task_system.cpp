@@ -7,6 +7,7 @@
 
 #include "foundation/format.h"
 #include "foundation/log/log.h"
+#include "foundation/task/future_call.h"
 #include "foundation/thread/processor_info.h"
 #include "foundation/thread/thread_name.h"
 
@@ -569,6 +570,25 @@ void task_system::wait_for_all()
             sleep_until_task_finished(lock, sleeping_task_waiters_);
         else
             help_with(shared_queue_.begin(), lock);
+    }
+}
+
+void task_system::release_finished_tasks()
+{
+    // A worker drops its previous task before it runs the next, so an empty call answered by each
+    // worker proves that worker holds nothing older.
+    const std::uint64_t count = worker_count_.load();
+    std::vector<std::future<void>> answers;
+    answers.reserve(count);
+    for (std::uint64_t i = 0; i < count; ++i)
+        answers.push_back(run_call_with_return_value<void>(
+            *this, [] {}, static_cast<std::uint8_t>(i)));
+    for (std::future<void>& answer : answers) {
+        // A stopping system drops the call; its workers release everything as they leave.
+        try {
+            answer.get();
+        } catch (const std::future_error&) {
+        }
     }
 }
 

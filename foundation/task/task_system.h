@@ -65,6 +65,10 @@ public:
     void wait_for_task(const std::shared_ptr<task>& t);
     void wait_for_task_set(const std::shared_ptr<task_set>& set);
     void wait_for_all();
+    // Makes every worker let go of the task it finished last. A worker releases that task lazily,
+    // when it takes its next one or goes to sleep; a host calls this after wait_for_all and before
+    // it unloads a library whose code (a task's destructor, its captures) might still be held.
+    void release_finished_tasks();
 
     // Raises by one level up to `count` pinned tasks (0: all) of a worker that waited more than two
     // cycles, taken from the front of its queue.

@@ -400,8 +400,11 @@ void GLRenderer::BlitRenderTarget(const std::shared_ptr<RenderTarget>& source,
     const GLbitfield mask = (color ? GL_COLOR_BUFFER_BIT : 0u) | (depth ? GL_DEPTH_BUFFER_BIT : 0u);
     if (!mask)
         return;
-    glBindFramebuffer(GL_READ_FRAMEBUFFER, FramebufferOf(source));
-    glBindFramebuffer(GL_DRAW_FRAMEBUFFER, FramebufferOf(destination));
+    // Looking a framebuffer up binds it to both points: take both names before binding either.
+    const GLuint read = FramebufferOf(source);
+    const GLuint draw = FramebufferOf(destination);
+    glBindFramebuffer(GL_READ_FRAMEBUFFER, read);
+    glBindFramebuffer(GL_DRAW_FRAMEBUFFER, draw);
     glDisable(GL_SCISSOR_TEST);
     const bool same_size = source_rect.Width() == destination_rect.Width() &&
                            source_rect.Height() == destination_rect.Height();

@@ -203,8 +203,10 @@ void GLRenderer::SetOutputSize(int width, int height)
     has_presented_ = false;
     if (!MakeOutput(output_, width, height, true) || !MakeOutput(presented_, width, height, false))
         error("Cannot create the OpenGL output framebuffer");
-    if (!bound_target_)
+    if (!bound_target_) {
         BindFramebuffer(output_.framebuffer, width, height);
+        SetViewport(Rect{0, 0, static_cast<float>(width), static_cast<float>(height)});
+    }
     output_resized_signal.Emit(this);
 }
 

@@ -6,6 +6,7 @@
 //
 // Rectangles (viewport, clip, blit) are in GL window coordinates: x from the left, y from the
 // bottom row of the target. 2D drawing with Set2DMatrices(false) has y growing downwards.
+// Mapping a dynamic buffer gives up its contents: the caller writes what it draws.
 
 #include <epoxy/gl.h>
 

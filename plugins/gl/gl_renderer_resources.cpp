@@ -93,7 +93,11 @@ void* GLRenderer::MapBuffer(GpuBuffer& buffer)
         return nullptr;
     if (!gl_buffer.mapped) {
         BindForWrite(gl_buffer);
-        gl_buffer.mapped = glMapBufferRange(gl_buffer.target, 0, gl_buffer.size, GL_MAP_WRITE_BIT);
+        // A dynamic buffer is rewritten whole: giving up its old contents lets the driver hand out
+        // fresh storage instead of waiting for draws that still read the old.
+        const GLbitfield access =
+            GL_MAP_WRITE_BIT | (gl_buffer.usage == GL_DYNAMIC_DRAW ? GL_MAP_INVALIDATE_BUFFER_BIT : 0u);
+        gl_buffer.mapped = glMapBufferRange(gl_buffer.target, 0, gl_buffer.size, access);
     }
     return gl_buffer.mapped;
 }

@@ -22,8 +22,13 @@ constexpr const char* kToolchain =
 PluginDescription GLPluginDescription()
 {
     return PluginDescription{
-        kPluginApiVersion, kGLRendererName,  "1.0.0", "OpenGL 3.3 renderer (headless through EGL)",
-        kPluginHostVersion, kToolchain, kPluginBuildFlagTested,
+        kPluginApiVersion,
+        kGLRendererName,
+        "1.0.0",
+        "OpenGL 3.3 renderer (headless through EGL)",
+        kPluginHostVersion,
+        kToolchain,
+        kPluginBuildFlagTested,
     };
 }
 

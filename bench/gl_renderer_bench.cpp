@@ -12,9 +12,10 @@
 #include <vector>
 
 #include "engine/render_system/render_system.h"
+#include "engine/renderer/renderer.h"
 #include "engine/vertex_layout.h"
 #include "plugins/engine_singletons.h"
-#include "plugins/gl/gl_renderer.h"
+#include "plugins/gl/gl_renderer_factory.h"
 #include "plugins/gl/testing/raw_gl_triangle_loop.h"
 
 namespace kesta {
@@ -26,14 +27,13 @@ constexpr int kTrianglesPerFrame = 10000;
 struct OpenRenderer {
     explicit OpenRenderer(int width, int height)
     {
-        renderer = std::static_pointer_cast<GLRenderer>(AdoptRenderer(std::make_shared<GLRenderer>()));
-        renderer->SetOutputSize(width, height);
+        renderer = MakeGLRenderer(width, height);
         renderer->Open();
     }
     ~OpenRenderer() { renderer->Close(); }
 
     EngineSingletons singletons;
-    std::shared_ptr<GLRenderer> renderer;
+    std::shared_ptr<Renderer> renderer;
 };
 
 // Small triangles spread over the output, one colour each: 48 bytes a triangle.
@@ -117,7 +117,7 @@ void BM_RenderSystemImmediateTriangles(benchmark::State& state)
 void BM_RendererContractTriangles(benchmark::State& state)
 {
     OpenRenderer open(256, 256);
-    GLRenderer& renderer = *open.renderer;
+    Renderer& renderer = *open.renderer;
     if (!renderer.IsOpen()) {
         state.SkipWithError("no OpenGL context");
         return;
@@ -155,7 +155,7 @@ void BM_TwoEyeClearAndComposition(benchmark::State& state)
 {
     constexpr int kWidth = 1512, kHeight = 1680;
     OpenRenderer open(64, 64);
-    GLRenderer& renderer = *open.renderer;
+    Renderer& renderer = *open.renderer;
     if (!renderer.IsOpen()) {
         state.SkipWithError("no OpenGL context");
         return;

@@ -2,6 +2,7 @@
 
 #include "engine/renderer/renderer_factory.h"
 #include "plugins/gl/gl_renderer.h"
+#include "plugins/gl/gl_renderer_factory.h"
 
 namespace kesta {
 
@@ -35,7 +36,9 @@ PluginDescription GLPluginDescription()
 void RegisterGLRenderer()
 {
     if (g_renderer_factory_table)
-        (*g_renderer_factory_table)[kGLRendererName] = [] { return AdoptRenderer(std::make_shared<GLRenderer>()); };
+        (*g_renderer_factory_table)[kGLRendererName] = [] {
+            return MakeGLRenderer(GLRenderer::kDefaultOutputWidth, GLRenderer::kDefaultOutputHeight);
+        };
 }
 
 void UnregisterGLRenderer()

@@ -66,6 +66,9 @@ std::string_view drop_return_type(std::string_view text)
         else if (text[i] == ' ' && depth == 0)
             start = i + 1;
     }
+    // clang writes a returned pointer or reference against the name: "const X &kesta::f".
+    while (start < text.size() && (text[start] == '&' || text[start] == '*'))
+        ++start;
     return text.substr(start);
 }
 

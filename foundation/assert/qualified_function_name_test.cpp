@@ -100,6 +100,8 @@ TEST(QualifiedFunctionName, PrettyNamesOfBothCompilers)
         {"kesta::RenderSystem::RenderSystem()", "kesta::RenderSystem::RenderSystem"},
         {"bool kesta::Renderer::Open(const kesta::Config&) const", "kesta::Renderer::Open"},
         {"std::map<int, std::vector<int> > kesta::Store::Get() &&", "kesta::Store::Get"},
+        {"const std::map<int, std::vector<int>> &kesta::Store::Find(int) const", "kesta::Store::Find"},
+        {"const char **kesta::names()", "kesta::names"},
         {"const std::pair<int, int>& kesta::f(std::function<void(int)>) noexcept", "kesta::f"},
         {"T kesta::Box<T>::Get() [with T = int]", "kesta::Box<T>::Get"},
         {"T kesta::Box<int>::Get() [T = int]", "kesta::Box<int>::Get"},

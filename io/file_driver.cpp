@@ -15,15 +15,11 @@ std::string FileDriver::FileHash(std::string_view path)
     sha1_ctx context;
     sha1_init(&context);
     std::array<std::uint8_t, 64 * 1024> chunk;
-    const std::uint64_t size = handle->GetSize();
-    std::uint64_t hashed = 0;
-    while (hashed < size) {
-        const std::uint64_t count = handle->Read(chunk.data(), chunk.size());
-        if (count == 0)
-            return {};
+    // Read to the end rather than to the claimed size, which may be 0 for a file with content.
+    while (const std::uint64_t count = handle->Read(chunk.data(), chunk.size()))
         sha1_update(&context, count, chunk.data());
-        hashed += count;
-    }
+    if (!handle->IsEOF())
+        return {};
 
     std::array<std::uint8_t, SHA1_DIGEST_SIZE> digest;
     sha1_digest(&context, digest.size(), digest.data());

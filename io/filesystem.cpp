@@ -1,10 +1,12 @@
 #include "io/filesystem.h"
 
 #include <algorithm>
+#include <functional>
 
 #include "foundation/format.h"
 #include "foundation/log/log.h"
 #include "io/path.h"
+#include "io/whole_file_reader.h"
 
 namespace kesta {
 
@@ -20,6 +22,20 @@ std::string strip(std::string_view path, std::string_view prefix)
     if (path.starts_with(prefix))
         path.remove_prefix(prefix.size());
     return std::string(path);
+}
+
+// Trims the destination to what was read and reports a whole-file read that did not reach the end.
+bool finish_read(std::string_view path, const WholeFileResult& result, const std::function<void(std::uint64_t)>& trim)
+{
+    if (result.out_of_memory) {
+        error((format("Not enough memory to read '%1'") << path).str());
+        trim(0);
+        return false;
+    }
+    trim(result.size);
+    if (!result.complete)
+        error((format("Failed to read '%1' to its end") << path).str());
+    return result.complete;
 }
 
 }  // namespace
@@ -135,9 +151,11 @@ bool Filesystem::FileToData(std::string_view path, std::vector<std::uint8_t>& da
     const std::shared_ptr<FileHandle> handle = Open(path, kFileRead);
     if (!handle)
         return false;
-    const std::uint64_t size = handle->GetSize();
-    data.resize(size);
-    return handle->Read(data.data(), size) == size;
+    const WholeFileResult result = ReadWholeFile(*handle, [&data](std::uint64_t bytes) {
+        data.resize(bytes);
+        return data.data();
+    });
+    return finish_read(path, result, [&data](std::uint64_t size) { data.resize(size); });
 }
 
 bool Filesystem::FileToBuffer(std::string_view path, DataBuffer& buffer)
@@ -146,11 +164,13 @@ bool Filesystem::FileToBuffer(std::string_view path, DataBuffer& buffer)
     const std::shared_ptr<FileHandle> handle = Open(path, kFileRead);
     if (!handle)
         return false;
-    const std::uint64_t size = handle->GetSize();
-    if (buffer.storage.size() < buffer.cursor + size)
-        buffer.storage.resize((buffer.cursor + size) / kGranule * kGranule + kGranule);
-    buffer.size = handle->Read(buffer.storage.data(), size);
-    return buffer.size == size;
+    // The storage only grows, in whole granules past the owner's cursor; the file goes to its start.
+    const WholeFileResult result = ReadWholeFile(*handle, [&buffer](std::uint64_t bytes) {
+        if (buffer.storage.size() < buffer.cursor + bytes)
+            buffer.storage.resize((buffer.cursor + bytes) / kGranule * kGranule + kGranule);
+        return buffer.storage.data();
+    });
+    return finish_read(path, result, [&buffer](std::uint64_t size) { buffer.size = size; });
 }
 
 std::string Filesystem::FileToString(std::string_view path)
@@ -158,8 +178,13 @@ std::string Filesystem::FileToString(std::string_view path)
     const std::shared_ptr<FileHandle> handle = Open(path, kFileRead);
     if (!handle)
         return {};
-    std::string text(handle->GetSize(), '\0');
-    text.resize(handle->Read(text.data(), text.size()));
+    std::string text;
+    const WholeFileResult result = ReadWholeFile(*handle, [&text](std::uint64_t bytes) {
+        text.resize(bytes);
+        return reinterpret_cast<std::uint8_t*>(text.data());
+    });
+    // Whatever could be read is kept, as a string has no failure of its own to report.
+    finish_read(path, result, [&text](std::uint64_t size) { text.resize(size); });
     return text;
 }
 

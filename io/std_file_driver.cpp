@@ -1,6 +1,7 @@
 #include "io/std_file_driver.h"
 
 #include <dirent.h>
+#include <fcntl.h>
 #include <fnmatch.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -32,6 +33,29 @@ std::int64_t end_position(std::FILE* file, std::int64_t* saved)
     const std::int64_t end = ftello(file);
     fseeko(file, *saved, SEEK_SET);
     return end;
+}
+
+// Opens a regular file only: a folder, FIFO, socket or device is not a file that can be read whole or
+// sized, and fopen would accept several of them (a FIFO even blocks until a writer comes). The open is
+// non-blocking so that a FIFO is refused at once; a file opened for writing is truncated only once it
+// is known to be a regular file.
+std::FILE* open_regular_file(const std::string& path, bool write)
+{
+    const int flags = (write ? O_WRONLY | O_CREAT : O_RDONLY) | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
+    const int fd = ::open(path.c_str(), flags, 0666);
+    if (fd < 0)
+        return nullptr;
+    struct stat info {};
+    const int status = ::fcntl(fd, F_GETFL);
+    if (::fstat(fd, &info) != 0 || !S_ISREG(info.st_mode) || status < 0 ||
+        ::fcntl(fd, F_SETFL, status & ~O_NONBLOCK) != 0 || (write && ::ftruncate(fd, 0) != 0)) {
+        ::close(fd);
+        return nullptr;
+    }
+    std::FILE* file = ::fdopen(fd, write ? "wb" : "rb");
+    if (!file)
+        ::close(fd);
+    return file;
 }
 
 }  // namespace
@@ -74,7 +98,7 @@ std::shared_ptr<FileHandle> StdFileDriver::Open(std::string_view path, std::uint
 {
     if (!Allowed(path))
         return nullptr;
-    std::FILE* file = std::fopen(EffectivePath(path).c_str(), mode == kFileWrite ? "wb" : "rb");
+    std::FILE* file = open_regular_file(EffectivePath(path), mode == kFileWrite);
     if (!file)
         return nullptr;
     return std::make_shared<CFileHandle>(shared_from_this(), file);

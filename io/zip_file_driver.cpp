@@ -123,21 +123,33 @@ bool ZipFileDriver::InflateToCache(const std::string& name, const unz_file_info6
         return false;
     }
 
-    const EntryReadResult result = (info.flag & kEncryptedFlag)
-                                       ? ReadEncryptedEntry(archive_, info, password_, archive_size, bytes)
-                                       : ReadPlainEntry(bytes);
+    std::string detail;
+    EntryReadResult result = EntryReadResult::kOk;
+    if (info.flag & kEncryptedFlag)
+        result = ReadEncryptedEntry(archive_, info, password_, archive_size, bytes);
+    else if (info.compression_method == Z_DEFLATED && Inflater())
+        result = InflateDeflatedEntry(archive_, info, archive_handle_, *decompressor_, bytes, detail);
+    else
+        result = ReadPlainEntry(bytes);
     if (result == EntryReadResult::kOpenFailed) {
         error((format("Failed to open file '%1'") << name).str());
         return false;
     }
     if (result == EntryReadResult::kReadFailed) {
-        error((format("Failed to read file '%1'") << name).str());
+        error((format("Failed to read file '%1'") << name).str(), detail);
         return false;
     }
 
     // The inflated bytes become the cache's file as they are, so a large entry is never held twice.
     cache_->AddFile(name, std::move(bytes));
     return true;
+}
+
+bool ZipFileDriver::Inflater()
+{
+    if (!decompressor_)
+        decompressor_.reset(libdeflate_alloc_decompressor());
+    return decompressor_ != nullptr;
 }
 
 EntryReadResult ZipFileDriver::ReadPlainEntry(std::vector<std::uint8_t>& bytes)

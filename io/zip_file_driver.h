@@ -1,7 +1,9 @@
 #pragma once
 // Read-only files from a ZIP archive that is itself read through another handle. Stored entries
 // are served in place as segments of the archive; compressed entries are inflated once into a
-// private memory cache and shared by every handle open on them, until the last one closes.
+// private memory cache and shared by every handle open on them, until the last one closes. Plain
+// deflated entries are inflated whole with libdeflate; minizip reads the directory, encrypted entries
+// and any other compression method.
 //
 // Lock order: the driver's lock, then a handle's lock.
 
@@ -13,6 +15,7 @@
 
 #include "io/file_driver.h"
 #include "io/memory_file_driver.h"
+#include "io/zip_deflated_entry.h"
 #include "io/zip_encrypted_entry.h"
 
 namespace kesta {
@@ -66,6 +69,8 @@ private:
     // Leaves the entry's bytes in the cache under its name, or logs and gives false.
     bool InflateToCache(const std::string& name, const unz_file_info64& info);
     EntryReadResult ReadPlainEntry(std::vector<std::uint8_t>& bytes);
+    // The whole-entry decompressor, made on first use; false when it cannot be made.
+    bool Inflater();
 
     std::mutex lock_;
     std::shared_ptr<FileHandle> archive_handle_;
@@ -74,6 +79,7 @@ private:
     const std::string password_;
     std::map<std::string, UnzippedEntry> opened_files_;
     const std::shared_ptr<MemoryFileDriver> cache_;
+    Decompressor decompressor_;  // made at the first deflated entry; used under lock_
 };
 
 }  // namespace kesta

@@ -391,6 +391,34 @@ TEST(ZipFileDriverBadInput, CorruptedDataFailsWithTheReadMessage)
     EXPECT_EQ(names_of(driver->Dir("", "*", kDirFiles)), (std::vector<std::string>{"data.txt"}));
 }
 
+TEST(ZipFileDriverBadInput, ChecksumMismatchIsRefusedAndNeverServed)
+{
+    LogCapture captured;
+    const std::string text = MakeSampleText(100000);
+    auto bytes = MakeZipArchive({{"data.txt", text, true, ""}, {"other.txt", text, true, ""}});
+    // The deflate stream stays intact and inflates to the right length; only the CRC-32 recorded for
+    // data.txt (local header offset 14, central record offset 16) no longer matches it.
+    for (const std::uint8_t kind : {std::uint8_t{3}, std::uint8_t{1}}) {
+        const std::uint8_t signature[] = {'P', 'K', kind, static_cast<std::uint8_t>(kind + 1)};
+        auto header = std::search(bytes.begin(), bytes.end(), std::begin(signature), std::end(signature));
+        ASSERT_NE(header, bytes.end());
+        header[kind == 3 ? 14 : 16] ^= 0x01;
+    }
+    auto driver = std::make_shared<ZipFileDriver>(memory_archive(bytes));
+    ASSERT_TRUE(driver->HasArchive());
+    EXPECT_FALSE(driver->Open("data.txt", kFileRead));
+    EXPECT_EQ(captured.Count("error", "Failed to read file 'data.txt'"), 1u);
+    // Nothing of the refused entry is left in the cache for a second open to find.
+    EXPECT_FALSE(driver->Open("data.txt", kFileRead));
+    EXPECT_EQ(captured.Count("error", "Failed to read file 'data.txt'"), 2u);
+    // The intact entry beside it is served whole.
+    auto other = driver->Open("other.txt", kFileRead);
+    ASSERT_TRUE(other);
+    std::string read(text.size() + 1, '\0');
+    read.resize(other->Read(read.data(), read.size()));
+    EXPECT_EQ(read, text);
+}
+
 TEST(ZipFileDriverBadInput, ImplausibleUncompressedSizeIsRefusedBeforeAllocation)
 {
     LogCapture captured;

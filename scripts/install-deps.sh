@@ -10,7 +10,7 @@ packages=(
   # tests and benchmarks
   libgtest-dev libgmock-dev libbenchmark-dev
   # libraries
-  zlib1g-dev libminizip-dev nettle-dev libtinyxml2-dev rapidjson-dev libutfcpp-dev
+  zlib1g-dev libminizip-dev libdeflate-dev nettle-dev libtinyxml2-dev rapidjson-dev libutfcpp-dev
   libglfw3-dev libfreetype-dev libstb-dev libimgui-dev libdw-dev
   # headless OpenGL: EGL on Mesa's software rasteriser
   libegl-dev libgl-dev libegl-mesa0 libgl1-mesa-dri

@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <vector>
 
+#include "foundation/assert/qualified_function_name.h"
 #include "foundation/crash/callstack.h"
 #include "foundation/log/log.h"
 
@@ -33,8 +34,11 @@ std::string MakeAssertionText(const char* file, int line, const char* function, 
     return text;
 }
 
-void assertion_failed(const char* file, int line, const char* function, const char* condition, const char* detail)
+void assertion_failed(const char* file, int line, const char* pretty_function, const char* condition,
+                      const char* detail)
 {
+    const std::string qualified = QualifiedFunctionName(pretty_function ? pretty_function : "");
+    const char* function = qualified.c_str();
     std::string text = MakeAssertionText(file, line, function, condition, detail);
     std::vector<CallstackFrame> frames;
     GetCallstack(frames, 1);

@@ -21,14 +21,19 @@ extern AssertionHandler g_assertion_handler;
 std::string MakeAssertionText(const char* file, int line, const char* function, const char* condition,
                               const char* detail);
 
-// Reports the failure and calls the handler. Returns only if the handler returns.
+// Reports the failure and calls the handler. Returns only if the handler returns. `function` may be
+// the compiler's pretty function name: the report and the handler get its qualified name.
 void assertion_failed(const char* file, int line, const char* function, const char* condition, const char* detail);
 
 }  // namespace kesta
 
 // Checked in every build type: engine asserts guard invariants whose failure would corrupt state.
-#define KESTA_ASSERT(condition) \
-    ((condition) ? static_cast<void>(0) : ::kesta::assertion_failed(__FILE__, __LINE__, __func__, #condition, nullptr))
-#define KESTA_ASSERT_MSG(condition, detail) \
-    ((condition) ? static_cast<void>(0)     \
-                 : ::kesta::assertion_failed(__FILE__, __LINE__, __func__, #condition, std::string(detail).c_str()))
+// __PRETTY_FUNCTION__ rather than __func__: the report names the function with its namespaces and
+// class, as "kesta::Renderer::Open".
+#define KESTA_ASSERT(condition)         \
+    ((condition) ? static_cast<void>(0) \
+                 : ::kesta::assertion_failed(__FILE__, __LINE__, __PRETTY_FUNCTION__, #condition, nullptr))
+#define KESTA_ASSERT_MSG(condition, detail)                                                       \
+    ((condition) ? static_cast<void>(0)                                                           \
+                 : ::kesta::assertion_failed(__FILE__, __LINE__, __PRETTY_FUNCTION__, #condition, \
+                                             std::string(detail).c_str()))

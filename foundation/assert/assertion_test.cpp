@@ -75,7 +75,10 @@ TEST_F(AssertionTest, FailureGoesToStandardErrorAndTheLogThenToTheHandler)
     ASSERT_EQ(g_handler_call.count, 1);
     EXPECT_THAT(g_handler_call.file, ::testing::EndsWith("assertion_test.cpp"));
     EXPECT_EQ(g_handler_call.line, line);
-    EXPECT_EQ(g_handler_call.function, "TestBody");
+    EXPECT_THAT(
+        g_handler_call.function,
+        ::testing::EndsWith("::AssertionTest_FailureGoesToStandardErrorAndTheLogThenToTheHandler_Test::TestBody"));
+    EXPECT_THAT(err, HasSubstr(" in function '" + g_handler_call.function + "'\n"));
     EXPECT_EQ(g_handler_call.condition, "1 + 1 == 3");
     EXPECT_EQ(g_handler_call.detail, "arithmetic");
 }

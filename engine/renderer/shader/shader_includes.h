@@ -21,6 +21,6 @@ inline constexpr int kMaxIncludeExpansions = 256;
 // replacement. Blanks may stand between `%include` and `(`. A directive without `(`, `)` or a
 // quoted path ends the expansion and is left in place with everything after it. After
 // kMaxIncludeExpansions replacements the expansion stops with an error.
-std::string ExpandIncludes(std::string_view text, const ShaderFileReader& reader = {});
+std::string ExpandIncludes(std::string_view text, const ShaderFileReader& reader = &ReadShaderFileThroughFilesystem);
 
 }  // namespace kesta

@@ -53,7 +53,8 @@ std::string OpenVRPathsFile()
 bool ParseOpenVRPaths(std::string_view json, OpenVRPaths& paths)
 {
     rapidjson::Document document;
-    document.Parse(json.data(), json.size());
+    // Iterative: a deeply nested file cannot exhaust the application's stack.
+    document.Parse<rapidjson::kParseIterativeFlag>(json.data(), json.size());
     if (document.HasParseError() || !document.IsObject())
         return false;
     OpenVRPaths parsed;

@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <functional>
 
 namespace kesta::vrsim {
 
@@ -12,7 +13,15 @@ class FramePacer {
 public:
     using Clock = std::chrono::steady_clock;
 
+    // Where the pacer reads the time and how it waits: the steady clock and the thread's sleep, or
+    // a scripted clock in tests.
+    struct TimeSource {
+        std::function<Clock::time_point()> now;
+        std::function<void(Clock::time_point)> sleep_until;
+    };
+
     FramePacer(double refresh_rate, bool paced);
+    FramePacer(double refresh_rate, bool paced, TimeSource time);
 
     // Blocks until the next vsync when pacing is on; returns at once otherwise.
     void WaitForNextFrame();
@@ -24,6 +33,7 @@ public:
     double SecondsRemaining() const;
 
 private:
+    const TimeSource time_;
     const Clock::duration period_;
     const bool paced_;
     std::atomic<Clock::rep> last_vsync_;  // written by the thread that waits

@@ -355,7 +355,9 @@ bool ParseSimConfig(std::string_view json, SimConfig& config, std::string& error
 {
     error.clear();
     rapidjson::Document document;
-    document.Parse(json.data(), json.size());
+    // The iterative parser keeps its state on the heap: a deeply nested document cannot exhaust the
+    // stack of the thread that loads the runtime.
+    document.Parse<rapidjson::kParseIterativeFlag>(json.data(), json.size());
     if (document.HasParseError()) {
         error = "invalid JSON at offset " + std::to_string(document.GetErrorOffset()) + ": " +
                 rapidjson::GetParseError_En(document.GetParseError());

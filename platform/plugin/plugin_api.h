@@ -74,6 +74,17 @@ inline constexpr std::int32_t kPluginApiVersion = 1;
 inline constexpr std::int32_t kPluginHostVersion = 1;
 inline constexpr std::int32_t kPluginBuildFlagTested = 2;
 
+// The compiler family the including code is built with, for a description's `toolchain`; nobody
+// compares it, it is for reports.
+inline constexpr const char* kPluginToolchain =
+#if defined(__clang__)
+    "Clang";
+#elif defined(__GNUC__)
+    "GCC";
+#else
+    "unknown";
+#endif
+
 using PluginGetDescriptionFunction = PluginDescription (*)();
 using PluginLoadFunction = std::int32_t (*)(const PluginContext&);
 using PluginUnloadFunction = void (*)();

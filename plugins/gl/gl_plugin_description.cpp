@@ -6,20 +6,6 @@
 
 namespace kesta {
 
-namespace {
-
-// The compiler family this module was built with; nobody compares it, it is for reports.
-constexpr const char* kToolchain =
-#if defined(__clang__)
-    "Clang";
-#elif defined(__GNUC__)
-    "GCC";
-#else
-    "unknown";
-#endif
-
-}  // namespace
-
 PluginDescription GLPluginDescription()
 {
     return PluginDescription{
@@ -28,7 +14,7 @@ PluginDescription GLPluginDescription()
         "1.0.0",
         "OpenGL 3.3 renderer (headless through EGL)",
         kPluginHostVersion,
-        kToolchain,
+        kPluginToolchain,
         kPluginBuildFlagTested,
     };
 }

@@ -202,6 +202,7 @@ void RenderSystem::Free()
     draw_target_.reset();
     shadow_target_.reset();
     shadow_map_.reset();
+    system_builtins_.shadow_map.reset();
     primitive_lists.Clear();
     private_lists_.Clear();
     {
@@ -556,7 +557,9 @@ void RenderSystem::CreateShadowMaps(std::uint16_t size)
 void RenderSystem::UploadBuiltins()
 {
     Renderer& r = *renderer_;
-    ShaderSystemBuiltins system;
+    // Both records live between draws: the shadow map handle is not copied per draw, and the model
+    // inverse is worked out again only when the model matrix changed.
+    ShaderSystemBuiltins& system = system_builtins_;
     system.clock_seconds = GetClockSeconds();
     system.internal_width = frame_width_;
     system.internal_height = frame_height_;
@@ -566,14 +569,19 @@ void RenderSystem::UploadBuiltins()
     system.fog_near = environment.fog_near;
     system.fog_far = environment.fog_far;
     system.technique_is_forward = technique_ == kTechniqueForward;
-    system.shadow_map = shadow_map_;
+    if (system.shadow_map != shadow_map_)
+        system.shadow_map = shadow_map_;
     r.SetShaderSystemBuiltins(system);
 
-    ShaderTransformationBuiltins transformation;
-    transformation.model = r.GetModelMatrix();
-    transformation.previous_model = r.GetModelMatrix();
+    ShaderTransformationBuiltins& transformation = transformation_builtins_;
+    const Matrix4& model = r.GetModelMatrix();
+    if (!has_model_inverse_ || !(transformation.model == model)) {
+        transformation.model = model;
+        transformation.inverse_model = model.Inverse();
+        has_model_inverse_ = true;
+    }
+    transformation.previous_model = model;
     transformation.normal = r.GetNormalMatrix();
-    transformation.inverse_model = r.GetModelMatrix().Inverse();
     transformation.view = r.GetViewMatrix();
     transformation.inverse_view = r.GetInverseViewMatrix();
     transformation.projection = r.GetProjectionMatrix();

@@ -57,7 +57,7 @@ float Clamp01(float value) { return value > 0.0f ? (value < 1.0f ? value : 1.0f)
 
 // One vertex in the default layout: position, colour as four bytes, UV as two 16-bit values.
 // Out-of-range channels are clamped, then scaled and truncated; NaN reads as 0.
-void PackVertex(std::uint8_t* out, const Vector3& position, const Color& color, const Vector2& uv)
+inline void PackVertex(std::uint8_t* out, const Vector3& position, const Color& color, const Vector2& uv)
 {
     const float xyz[3] = {position.x, position.y, position.z};
     std::memcpy(out, xyz, sizeof xyz);
@@ -632,9 +632,21 @@ void RenderSystem::DrawImmediate(const ImmediateVertices& vertices, const Color&
     auto* out = static_cast<std::uint8_t*>(r.MapBuffer(*dynamic_vertex_buffer_));
     if (!out)
         return;
-    for (std::uint32_t i = 0; i < vertices.vertex_count; ++i)
-        PackVertex(out + i * stride, vertices.positions ? vertices.positions[i] : Vector3{},
-                   vertices.colors ? vertices.colors[i] : color, vertices.uvs ? vertices.uvs[i] : Vector2{});
+    // Missing arrays read as zero positions, the draw's colour and zero UVs.
+    static constexpr Vector3 kNoPosition{};
+    static constexpr Vector2 kNoUV{};
+    const std::size_t position_step = vertices.positions ? 1 : 0;
+    const std::size_t color_step = vertices.colors ? 1 : 0;
+    const std::size_t uv_step = vertices.uvs ? 1 : 0;
+    const Vector3* position = vertices.positions ? vertices.positions : &kNoPosition;
+    const Color* vertex_color = vertices.colors ? vertices.colors : &color;
+    const Vector2* uv = vertices.uvs ? vertices.uvs : &kNoUV;
+    for (std::uint32_t i = 0; i < vertices.vertex_count; ++i, out += stride) {
+        PackVertex(out, *position, *vertex_color, *uv);
+        position += position_step;
+        vertex_color += color_step;
+        uv += uv_step;
+    }
     r.UnmapBuffer(*dynamic_vertex_buffer_);
 
     auto* indices = static_cast<std::uint16_t*>(r.MapBuffer(*dynamic_index_buffer_));

@@ -57,7 +57,7 @@ float Clamp01(float value) { return value > 0.0f ? (value < 1.0f ? value : 1.0f)
 
 // One vertex in the default layout: position, colour as four bytes, UV as two 16-bit values.
 // Out-of-range channels are clamped, then scaled and truncated; NaN reads as 0.
-void PackVertex(std::uint8_t* out, const Vector3& position, const Color& color, const Vector2& uv)
+inline void PackVertex(std::uint8_t* out, const Vector3& position, const Color& color, const Vector2& uv)
 {
     const float xyz[3] = {position.x, position.y, position.z};
     std::memcpy(out, xyz, sizeof xyz);
@@ -202,6 +202,7 @@ void RenderSystem::Free()
     draw_target_.reset();
     shadow_target_.reset();
     shadow_map_.reset();
+    system_builtins_.shadow_map.reset();
     primitive_lists.Clear();
     private_lists_.Clear();
     {
@@ -556,7 +557,9 @@ void RenderSystem::CreateShadowMaps(std::uint16_t size)
 void RenderSystem::UploadBuiltins()
 {
     Renderer& r = *renderer_;
-    ShaderSystemBuiltins system;
+    // Both records live between draws: the shadow map handle is not copied per draw, and the model
+    // inverse is worked out again only when the model matrix changed.
+    ShaderSystemBuiltins& system = system_builtins_;
     system.clock_seconds = GetClockSeconds();
     system.internal_width = frame_width_;
     system.internal_height = frame_height_;
@@ -566,14 +569,19 @@ void RenderSystem::UploadBuiltins()
     system.fog_near = environment.fog_near;
     system.fog_far = environment.fog_far;
     system.technique_is_forward = technique_ == kTechniqueForward;
-    system.shadow_map = shadow_map_;
+    if (system.shadow_map != shadow_map_)
+        system.shadow_map = shadow_map_;
     r.SetShaderSystemBuiltins(system);
 
-    ShaderTransformationBuiltins transformation;
-    transformation.model = r.GetModelMatrix();
-    transformation.previous_model = r.GetModelMatrix();
+    ShaderTransformationBuiltins& transformation = transformation_builtins_;
+    const Matrix4& model = r.GetModelMatrix();
+    if (!has_model_inverse_ || !(transformation.model == model)) {
+        transformation.model = model;
+        transformation.inverse_model = model.Inverse();
+        has_model_inverse_ = true;
+    }
+    transformation.previous_model = model;
     transformation.normal = r.GetNormalMatrix();
-    transformation.inverse_model = r.GetModelMatrix().Inverse();
     transformation.view = r.GetViewMatrix();
     transformation.inverse_view = r.GetInverseViewMatrix();
     transformation.projection = r.GetProjectionMatrix();
@@ -624,9 +632,21 @@ void RenderSystem::DrawImmediate(const ImmediateVertices& vertices, const Color&
     auto* out = static_cast<std::uint8_t*>(r.MapBuffer(*dynamic_vertex_buffer_));
     if (!out)
         return;
-    for (std::uint32_t i = 0; i < vertices.vertex_count; ++i)
-        PackVertex(out + i * stride, vertices.positions ? vertices.positions[i] : Vector3{},
-                   vertices.colors ? vertices.colors[i] : color, vertices.uvs ? vertices.uvs[i] : Vector2{});
+    // Missing arrays read as zero positions, the draw's colour and zero UVs.
+    static constexpr Vector3 kNoPosition{};
+    static constexpr Vector2 kNoUV{};
+    const std::size_t position_step = vertices.positions ? 1 : 0;
+    const std::size_t color_step = vertices.colors ? 1 : 0;
+    const std::size_t uv_step = vertices.uvs ? 1 : 0;
+    const Vector3* position = vertices.positions ? vertices.positions : &kNoPosition;
+    const Color* vertex_color = vertices.colors ? vertices.colors : &color;
+    const Vector2* uv = vertices.uvs ? vertices.uvs : &kNoUV;
+    for (std::uint32_t i = 0; i < vertices.vertex_count; ++i, out += stride) {
+        PackVertex(out, *position, *vertex_color, *uv);
+        position += position_step;
+        vertex_color += color_step;
+        uv += uv_step;
+    }
     r.UnmapBuffer(*dynamic_vertex_buffer_);
 
     auto* indices = static_cast<std::uint16_t*>(r.MapBuffer(*dynamic_index_buffer_));

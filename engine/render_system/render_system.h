@@ -21,6 +21,7 @@
 #include "engine/render_system/primitive_lists.h"
 #include "engine/render_system/render_frame_statistics.h"
 #include "engine/renderer/gpu_objects.h"
+#include "engine/renderer/renderer.h"
 #include "engine/vertex_layout.h"
 #include "foundation/math/color.h"
 #include "foundation/math/matrix4.h"
@@ -336,6 +337,10 @@ private:
 
     std::shared_ptr<RenderTarget> shadow_target_;
     std::shared_ptr<Texture> shadow_map_;
+    // The built-in records of the last immediate draw, reused by the next.
+    ShaderSystemBuiltins system_builtins_;
+    ShaderTransformationBuiltins transformation_builtins_;
+    bool has_model_inverse_ = false;
     std::shared_ptr<Texture> current_output_texture_;
 
     RasterFontRecord default_font_;

@@ -769,6 +769,23 @@ TEST_F(RenderSystemFrame, ImmediateVerticesClampScaleAndTruncate)
     EXPECT_EQ(render_system.GetFrameStatistics().triangles, 1u);
 }
 
+TEST_F(RenderSystemFrame, ImmediateDrawsPassTheInverseOfTheModelMatrixInForce)
+{
+    // The inverse is kept between draws: it must follow every change of the model, also back.
+    const Vector3 positions[3] = {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}};
+    ImmediateVertices vertices;
+    vertices.positions = positions;
+    vertices.vertex_count = 3;
+    const Matrix4 moved = Matrix4::FromPosition({2, -3, 4});
+    const Matrix4 scaled = Matrix4::FromScale({2, 4, 8});
+    for (const Matrix4& model : {moved, moved, scaled, moved, Matrix4::Identity()}) {
+        renderer.SetModelMatrix(model);
+        render_system.DrawTriangle(vertices, Color{1, 1, 1, 1});
+        EXPECT_EQ(renderer.last_model, model);
+        EXPECT_EQ(renderer.last_inverse_model, model.Inverse());
+    }
+}
+
 TEST_F(RenderSystemFrame, MissingArraysReadDefaults)
 {
     ImmediateVertices vertices;

@@ -391,6 +391,8 @@ void RecordingRenderer::SetShaderCameraBuiltins(const Matrix4&, float znear, flo
 
 void RecordingRenderer::SetShaderTransformationBuiltins(const ShaderTransformationBuiltins& builtins)
 {
+    last_model = builtins.model;
+    last_inverse_model = builtins.inverse_model;
     Record([&] { return std::string("SetShaderTransformationBuiltins(" + std::to_string(builtins.bone_count) + ")"); });
 }
 

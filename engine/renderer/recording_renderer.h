@@ -80,6 +80,8 @@ public:
     void ClearCalls();
     // Variables set on the bound shader, by variable name, as text.
     std::map<std::string, std::string> ShaderValues() const;
+    // The model matrix and its inverse of the last transformation built-ins given.
+    Matrix4 last_model, last_inverse_model;
 
     // --- Renderer ---
     std::string GetName() override;

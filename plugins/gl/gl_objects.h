@@ -15,6 +15,8 @@
 #include "engine/renderer/gpu_objects.h"
 #include "engine/renderer/shader/shader_builtins.h"
 #include "engine/renderer/shader/texture_unit_config.h"
+#include "foundation/math/matrix4.h"
+#include "foundation/math/matrix44.h"
 
 namespace kesta {
 
@@ -94,7 +96,8 @@ public:
     std::map<std::string, GLint, std::less<>> locations;
     // The built-in values this program last received, so a draw uploads only what changed.
     std::uint64_t builtins_generation = 0;
-    std::array<float, 40> matrices_uploaded{};
+    Matrix4 model_uploaded, view_uploaded;
+    Matrix44 projection_uploaded;
     bool matrices_valid = false;
 };
 

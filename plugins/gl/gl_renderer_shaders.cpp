@@ -59,6 +59,14 @@ void expand(const Matrix4& m, float* out)
 
 void expand(const Matrix44& m, float* out) { std::memcpy(out, m.m, sizeof m.m); }
 
+// Bitwise equality: what decides whether GL already holds a value. Cheaper than comparing the
+// floats one by one, and a NaN the caller sets again counts as unchanged.
+template <typename Matrix>
+bool same_bits(const Matrix& a, const Matrix& b)
+{
+    return std::memcmp(a.m, b.m, sizeof a.m) == 0;
+}
+
 }  // namespace
 
 std::shared_ptr<GpuShader> GLRenderer::NewShader(const std::string& name) { return WrapShader(new GLShader(name)); }
@@ -372,13 +380,14 @@ void GLRenderer::SetShaderCameraBuiltins(const Matrix4& view, float znear, float
 void GLRenderer::SetShaderTransformationBuiltins(const ShaderTransformationBuiltins& builtins)
 {
     // Callers set these before every draw, mostly unchanged: the derived matrices are kept then.
-    if (builtins.model == GetModelMatrix() && builtins.view == GetViewMatrix() &&
-        builtins.projection == GetProjectionMatrix() && builtins.previous_model == previous_model_ &&
-        builtins.bone_count == 0 && bone_matrices_.empty())
+    const bool same_model = same_bits(builtins.model, GetModelMatrix());
+    const bool same_view = same_bits(builtins.view, GetViewMatrix());
+    if (same_model && same_view && same_bits(builtins.projection, GetProjectionMatrix()) &&
+        same_bits(builtins.previous_model, previous_model_) && builtins.bone_count == 0 && bone_matrices_.empty())
         return;
-    if (!(builtins.model == GetModelMatrix()))
+    if (!same_model)
         SetModelMatrix(builtins.model);
-    if (!(builtins.view == GetViewMatrix()))
+    if (!same_view)
         SetViewMatrix(builtins.view);
     SetProjectionMatrix(builtins.projection);
     previous_model_ = builtins.previous_model;
@@ -424,13 +433,13 @@ void GLRenderer::UploadBuiltins(GLShader& shader)
     auto has = [&shader](S semantic) { return shader.semantic_locations[static_cast<int>(semantic)] >= 0; };
     auto location = [&shader](S semantic) { return shader.semantic_locations[static_cast<int>(semantic)]; };
 
-    // The matrices the renderer holds now; the program's copy says whether they changed.
-    std::array<float, 40> current{};
-    std::memcpy(current.data(), GetModelMatrix().m, 12 * sizeof(float));
-    std::memcpy(current.data() + 12, GetViewMatrix().m, 12 * sizeof(float));
-    std::memcpy(current.data() + 24, GetProjectionMatrix().m, 16 * sizeof(float));
-    if (!shader.matrices_valid || current != shader.matrices_uploaded) {
-        shader.matrices_uploaded = current;
+    // The program's copy of the matrices says whether they changed since it last drew.
+    if (!shader.matrices_valid || !same_bits(GetModelMatrix(), shader.model_uploaded) ||
+        !same_bits(GetViewMatrix(), shader.view_uploaded) ||
+        !same_bits(GetProjectionMatrix(), shader.projection_uploaded)) {
+        shader.model_uploaded = GetModelMatrix();
+        shader.view_uploaded = GetViewMatrix();
+        shader.projection_uploaded = GetProjectionMatrix();
         shader.matrices_valid = true;
         const Matrix44 model = Matrix44::FromMatrix4(GetModelMatrix());
         const Matrix44 view = Matrix44::FromMatrix4(GetViewMatrix());

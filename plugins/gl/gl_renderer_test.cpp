@@ -182,6 +182,55 @@ TEST_F(GLRendererBuffers, MappedDynamicBuffersDrawWhatWasWrittenLast)
     EXPECT_EQ(at(4, 40), 0xff0000);
 }
 
+TEST_F(GLRendererBuffers, DrawsFollowTheModelMatrixThroughEveryChangeAndBack)
+{
+    // The built-in matrices reach a program only when they changed: a move to the right and then
+    // back, once through the built-in record and once through the plain setter, must each show.
+    auto vertices = renderer->NewBuffer();
+    renderer->CreateBuffer(*vertices, nullptr, 48, kVertexBuffer, kDynamicBuffer);
+    auto indices = renderer->NewBuffer();
+    const std::uint16_t order[3] = {0, 1, 2};
+    renderer->CreateBuffer(*indices, order, sizeof order, kIndexBuffer, kStaticBuffer);
+    VertexLayout layout;
+    layout.AddAttribute(0, 3, VertexLayout::kFloat, false);
+    layout.AddAttribute(6, 4, VertexLayout::kUnsignedByte, true);
+    layout.End();
+    auto left_half = [&](std::uint8_t red, std::uint8_t green, std::uint8_t blue) {
+        const ColoredVertex corners[3] = {
+            {-1, -1, 0, red, green, blue, 255}, {-1, 1, 0, red, green, blue, 255}, {0, 1, 0, red, green, blue, 255}};
+        renderer->UpdateBuffer(*vertices, corners, 0, sizeof corners);
+        renderer->SetVertexSource(vertices, layout);
+        renderer->SetIndexSource(indices);
+        renderer->DrawBuffers(kIndex16, 3, kTriangles, 0);
+    };
+    auto set_model = [&](const Matrix4& model) {
+        ShaderTransformationBuiltins builtins;
+        builtins.model = builtins.previous_model = model;
+        builtins.view = renderer->GetViewMatrix();
+        builtins.projection = renderer->GetProjectionMatrix();
+        renderer->SetShaderTransformationBuiltins(builtins);
+    };
+    renderer->Clear(Color{0, 0, 0, 1}, 1.0f, kClearAll);
+    renderer->SetFaceCulling(false);
+    renderer->SetDepthTest(false);  // the last draw lands exactly on the first
+    ASSERT_TRUE(renderer->SetShader(CoreShader("single_color.isl")));
+    set_model(Matrix4::Identity());
+    left_half(255, 0, 0);
+    set_model(Matrix4::FromPosition({1, 0, 0}));
+    left_half(0, 255, 0);  // drawn in the right half
+    set_model(Matrix4::FromPosition({1, 0, 0}));
+    renderer->SetModelMatrix(Matrix4::Identity());
+    left_half(0, 0, 255);  // back in the left half, over the red one
+    const Picture picture = Present();
+    auto at = [&](int x, int y) {
+        const std::uint8_t* pixel = picture.data.data() + (static_cast<std::size_t>(y) * picture.width + x) * 4;
+        return pixel[0] * 0x10000 + pixel[1] * 0x100 + pixel[2];
+    };
+    EXPECT_EQ(at(2, 30), 0x0000ff);
+    EXPECT_EQ(at(34, 2), 0x00ff00);
+    EXPECT_EQ(at(60, 62), 0x000000);  // below the right-half triangle
+}
+
 using GLRendererLifecycle = GLRendererTest;
 
 TEST_F(GLRendererLifecycle, OpensClosesAndOpensAgainWithWorkingCapabilities)

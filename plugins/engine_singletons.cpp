@@ -10,6 +10,8 @@
 #include "foundation/time/timer_thread.h"
 #include "io/filesystem.h"
 #include "overlay/imgui_shared_state.h"
+#include "platform/plugin/plugin_system.h"
+#include "plugins/plugin_context.h"
 
 namespace kesta {
 
@@ -28,7 +30,8 @@ EngineSingletons::EngineSingletons()
       engine_signals_(std::make_unique<EngineSignals>()),
       renderer_factory_table_(std::make_unique<RendererFactoryTable>()),
       frame_renderer_factory_(std::make_unique<FrameRendererFactory>()),
-      imgui_shared_state_(std::make_unique<ImGuiSharedState>())
+      imgui_shared_state_(std::make_unique<ImGuiSharedState>()),
+      plugin_system_(std::make_unique<PluginSystem>(&MakePluginContext))
 {
     g_log_system = log_system_.get();
     g_timer_thread = timer_.get();
@@ -40,11 +43,16 @@ EngineSingletons::EngineSingletons()
     g_renderer_factory_table = renderer_factory_table_.get();
     g_frame_renderer_factory = frame_renderer_factory_.get();
     g_imgui_shared_state = imgui_shared_state_.get();
+    g_plugin_system = plugin_system_.get();
     timer_->start(kTimerTickMs);
 }
 
 EngineSingletons::~EngineSingletons()
 {
+    // The host has freed its render system by now; the plug-ins go before anything they were given.
+    plugin_system_->UnloadPlugins();
+    g_plugin_system = nullptr;
+    plugin_system_.reset();
     tasks_->stop();
     g_imgui_shared_state = nullptr;
     g_frame_renderer_factory = nullptr;

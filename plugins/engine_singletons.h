@@ -14,12 +14,13 @@ class EngineSignals;
 class RendererFactoryTable;
 class FrameRendererFactory;
 struct ImGuiSharedState;
+class PluginSystem;
 
 // The process-wide objects a host creates at start-up, published in the engine globals by the
 // constructor. The timer thread runs from the start (the log's listeners are flushed on it); the
-// task system's workers are the host's to start. The destructor stops the threads, clears the
-// globals and destroys the objects in reverse order of creation, the log last: it runs after
-// every plug-in has gone.
+// task system's workers are the host's to start. The destructor first unloads the plug-ins that are
+// still loaded, while every object they were handed is alive, then stops the threads, clears the
+// globals and destroys the objects in reverse order of creation, the log last.
 class EngineSingletons {
 public:
     EngineSingletons();
@@ -37,6 +38,7 @@ public:
     RendererFactoryTable& renderer_factory_table() { return *renderer_factory_table_; }
     FrameRendererFactory& frame_renderer_factory() { return *frame_renderer_factory_; }
     ImGuiSharedState& imgui_shared_state() { return *imgui_shared_state_; }
+    PluginSystem& plugin_system() { return *plugin_system_; }
 
 private:
     std::unique_ptr<LogSystem> log_system_;
@@ -49,6 +51,7 @@ private:
     std::unique_ptr<RendererFactoryTable> renderer_factory_table_;
     std::unique_ptr<FrameRendererFactory> frame_renderer_factory_;
     std::unique_ptr<ImGuiSharedState> imgui_shared_state_;
+    std::unique_ptr<PluginSystem> plugin_system_;
 };
 
 }  // namespace kesta

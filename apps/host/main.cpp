@@ -1,6 +1,7 @@
 // A small host: starts the engine's process-wide objects and workers, opens a renderer (the
-// recording back end, which needs no GPU), loads the VR module, shows its description, loads and
-// unloads it, and shuts down in order, destroying the process-wide objects last.
+// recording back end, which needs no GPU), loads every plug-in of its plug-in folder, shows their
+// descriptions, and shuts down in order: the renderer first, then the plug-ins, then the
+// process-wide objects.
 
 #include <cstdio>
 #include <memory>
@@ -13,9 +14,8 @@
 #include "foundation/log/log.h"
 #include "foundation/task/task_system.h"
 #include "io/filesystem.h"
-#include "platform/plugin/plugin_library.h"
+#include "platform/plugin/plugin_system.h"
 #include "plugins/engine_singletons.h"
-#include "plugins/plugin_context.h"
 
 namespace {
 
@@ -45,37 +45,27 @@ bool open_renderer(kesta::EngineSingletons& engine, const std::shared_ptr<kesta:
     return renderer->IsOpen();
 }
 
-int run_plugin(kesta::EngineSingletons& engine, const std::string& module_path)
+// Loads every plug-in of the install folder (and of NORVANE_PLUGINS_PATH) through the plug-in host.
+int load_plugins(kesta::EngineSingletons& engine, const std::string& install_path)
 {
-    kesta::PluginLibrary library;
-    if (!library.Open(module_path)) {
-        kesta::error(library.error());
-        return 1;
-    }
-    std::printf("Loaded %s\n", module_path.c_str());
-    const kesta::PluginDescription description = library.get_description();
-    print_description(description);
-    if (description.api_version != kesta::kPluginApiVersion || description.host_version != kesta::kPluginHostVersion) {
-        kesta::error("The plug-in's versions do not match this host");
-        return 1;
-    }
-    const std::int32_t result = library.load(kesta::MakePluginContext());
-    std::printf("PluginLoad returned %d\n", result);
+    kesta::PluginSystem& plugins = engine.plugin_system();
+    plugins.SetDefaultSearchPaths(install_path);
+    const unsigned loaded = plugins.LoadPlugins();
+    for (const auto& record : plugins.plugins())
+        print_description(record->description);
     std::printf("Frame renderers:");
     for (const auto& [name, make] : engine.frame_renderer_factory())
         std::printf(" %s", name.c_str());
     std::printf("%s\n", engine.frame_renderer_factory().empty() ? " (none yet)" : "");
-    library.unload();
-    library.Close();
-    std::printf("Plug-in unloaded\n");
-    return result == 0 ? 0 : 1;
+    return loaded > 0 ? 0 : 1;
 }
 
 }  // namespace
 
 int main(int argc, char** argv)
 {
-    const std::string module_path = argc > 1 ? argv[1] : NORVANE_VR_MODULE_PATH;
+    // The folder the plug-ins are installed in: for the build tree, where the modules are built.
+    const std::string install_path = argc > 1 ? argv[1] : NORVANE_PLUGIN_DIR;
     int status = 0;
     {
         kesta::EngineSingletons engine;
@@ -91,12 +81,15 @@ int main(int argc, char** argv)
         if (!open_renderer(engine, renderer))
             status = 1;
         if (status == 0)
-            status = run_plugin(engine, module_path);
+            status = load_plugins(engine, install_path);
 
         kesta::RunOnRenderThreadAndWait([&] { renderer->Close(); });
         renderer.reset();
         engine.tasks().wait_for_all();
-        std::printf("Shut down\n");
+        // With the renderer gone, the plug-ins go, before the log, timer and task system stop.
+        engine.plugin_system().UnloadPlugins();
+        std::printf("Plug-ins unloaded\n");
     }
+    std::printf("Shut down\n");
     return status;
 }

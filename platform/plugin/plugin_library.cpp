@@ -1,7 +1,5 @@
 #include "platform/plugin/plugin_library.h"
 
-#include <dlfcn.h>
-
 namespace kesta {
 
 PluginLibrary::~PluginLibrary() { Close(); }
@@ -9,16 +7,13 @@ PluginLibrary::~PluginLibrary() { Close(); }
 bool PluginLibrary::Open(const std::string& path)
 {
     Close();
-    // RTLD_LOCAL: a module's symbols never satisfy another module's references.
-    handle_ = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
-    if (!handle_) {
-        const char* reason = dlerror();
-        error_ = reason ? reason : "dlopen failed";
+    library_ = LoadSharedLibrary(path, &error_);
+    if (!library_)
         return false;
-    }
-    get_description = reinterpret_cast<PluginGetDescriptionFunction>(dlsym(handle_, "PluginGetDescription"));
-    load = reinterpret_cast<PluginLoadFunction>(dlsym(handle_, "PluginLoad"));
-    unload = reinterpret_cast<PluginUnloadFunction>(dlsym(handle_, "PluginUnload"));
+    get_description =
+        reinterpret_cast<PluginGetDescriptionFunction>(library_->GetFunctionPointer("PluginGetDescription"));
+    load = reinterpret_cast<PluginLoadFunction>(library_->GetFunctionPointer("PluginLoad"));
+    unload = reinterpret_cast<PluginUnloadFunction>(library_->GetFunctionPointer("PluginUnload"));
     if (!get_description || !load || !unload) {
         error_ = "missing entry point in " + path;
         Close();
@@ -30,9 +25,7 @@ bool PluginLibrary::Open(const std::string& path)
 
 void PluginLibrary::Close()
 {
-    if (handle_)
-        dlclose(handle_);
-    handle_ = nullptr;
+    library_.reset();
     get_description = nullptr;
     load = nullptr;
     unload = nullptr;

@@ -1,13 +1,16 @@
 #pragma once
 
+#include <memory>
 #include <string>
 
 #include "platform/plugin/plugin_api.h"
+#include "platform/plugin/shared_library.h"
 
 namespace kesta {
 
-// One plug-in library opened with dlopen, with its three entry points found by name.
-// Closing releases the library; pointers into it (the description's strings) die with it.
+// One plug-in library with its three entry points found by name, for code that drives a single
+// module by hand (tests, tools); PluginSystem is the host's way of loading plug-ins. Closing
+// releases the library; pointers into it (the description's strings) die with it.
 class PluginLibrary {
 public:
     PluginLibrary() = default;
@@ -19,7 +22,7 @@ public:
     bool Open(const std::string& path);
     void Close();
 
-    bool IsOpen() const { return handle_ != nullptr; }
+    bool IsOpen() const { return library_ != nullptr; }
     const std::string& error() const { return error_; }
 
     PluginGetDescriptionFunction get_description = nullptr;
@@ -27,7 +30,7 @@ public:
     PluginUnloadFunction unload = nullptr;
 
 private:
-    void* handle_ = nullptr;
+    std::unique_ptr<SharedLibrary> library_;
     std::string error_;
 };
 

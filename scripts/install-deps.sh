@@ -14,6 +14,8 @@ packages=(
   libglfw3-dev libfreetype-dev libstb-dev libimgui-dev libdw-dev
   # headless OpenGL: EGL on Mesa's software rasteriser
   libegl-dev libgl-dev libegl-mesa0 libgl1-mesa-dri
+  # the OpenGL back end: its function loader, and the GLSL reference compiler its tests use
+  libepoxy-dev glslang-tools
   # the default font packed into the core resource archive
   fonts-dejavu-core
 )

@@ -203,8 +203,10 @@ void GLRenderer::SetOutputSize(int width, int height)
     has_presented_ = false;
     if (!MakeOutput(output_, width, height, true) || !MakeOutput(presented_, width, height, false))
         error("Cannot create the OpenGL output framebuffer");
-    if (!bound_target_)
+    if (!bound_target_) {
         BindFramebuffer(output_.framebuffer, width, height);
+        SetViewport(Rect{0, 0, static_cast<float>(width), static_cast<float>(height)});
+    }
     output_resized_signal.Emit(this);
 }
 
@@ -400,8 +402,11 @@ void GLRenderer::BlitRenderTarget(const std::shared_ptr<RenderTarget>& source,
     const GLbitfield mask = (color ? GL_COLOR_BUFFER_BIT : 0u) | (depth ? GL_DEPTH_BUFFER_BIT : 0u);
     if (!mask)
         return;
-    glBindFramebuffer(GL_READ_FRAMEBUFFER, FramebufferOf(source));
-    glBindFramebuffer(GL_DRAW_FRAMEBUFFER, FramebufferOf(destination));
+    // Looking a framebuffer up binds it to both points: take both names before binding either.
+    const GLuint read = FramebufferOf(source);
+    const GLuint draw = FramebufferOf(destination);
+    glBindFramebuffer(GL_READ_FRAMEBUFFER, read);
+    glBindFramebuffer(GL_DRAW_FRAMEBUFFER, draw);
     glDisable(GL_SCISSOR_TEST);
     const bool same_size = source_rect.Width() == destination_rect.Width() &&
                            source_rect.Height() == destination_rect.Height();

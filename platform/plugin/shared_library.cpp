@@ -27,7 +27,7 @@ bool is_file(const std::string& path)
 std::string resolve(std::string_view path)
 {
     std::string name(path);
-    if (name.empty() || name.find('/') != std::string::npos)
+    if (name.find('/') != std::string::npos)
         return name;
     const std::string folder = GetSharedLibraryPath();
     if (folder.empty())
@@ -40,10 +40,11 @@ std::string resolve(std::string_view path)
 
 std::unique_ptr<SharedLibrary> LoadSharedLibrary(std::string_view path, std::string* reason)
 {
+    // dlopen takes an empty name for the main program, which is no library to load.
     // RTLD_LOCAL: a module's symbols never satisfy another module's references.
-    void* handle = dlopen(resolve(path).c_str(), RTLD_NOW | RTLD_LOCAL);
+    void* handle = path.empty() ? nullptr : dlopen(resolve(path).c_str(), RTLD_NOW | RTLD_LOCAL);
     if (!handle) {
-        const char* text = dlerror();
+        const char* text = path.empty() ? "no file name" : dlerror();
         const std::string why = text ? text : "unknown";
         error(format("LoadSharedLibrary('%1') failed, reason: %2") << path << why);
         if (reason)

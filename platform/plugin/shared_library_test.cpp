@@ -75,6 +75,14 @@ TEST_F(SharedLibraryTest, FailureLogsThePathAsGivenAndTheLoadersReason)
     }
 }
 
+TEST_F(SharedLibraryTest, EmptyPathIsRefusedRatherThanOpeningTheProgram)
+{
+    std::string reported;
+    EXPECT_FALSE(LoadSharedLibrary("", &reported));
+    EXPECT_EQ(reported, "no file name");
+    EXPECT_EQ(capture.Lines(), std::vector<std::string>{"error: LoadSharedLibrary('') failed, reason: no file name"});
+}
+
 TEST_F(SharedLibraryTest, BareNamesResolveInTheLibraryPathFolderFirst)
 {
     // Without a folder a bare name goes to the system's search, which does not know the fixture.

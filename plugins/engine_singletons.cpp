@@ -10,6 +10,7 @@
 #include "foundation/time/timer_thread.h"
 #include "io/filesystem.h"
 #include "overlay/imgui_shared_state.h"
+#include "platform/input/input_system.h"
 #include "platform/plugin/plugin_system.h"
 #include "plugins/plugin_context.h"
 
@@ -30,6 +31,7 @@ EngineSingletons::EngineSingletons()
       engine_signals_(std::make_unique<EngineSignals>()),
       renderer_factory_table_(std::make_unique<RendererFactoryTable>()),
       frame_renderer_factory_(std::make_unique<FrameRendererFactory>()),
+      input_system_(std::make_unique<InputSystem>()),
       imgui_shared_state_(std::make_unique<ImGuiSharedState>()),
       plugin_system_(std::make_unique<PluginSystem>(&MakePluginContext))
 {
@@ -42,6 +44,7 @@ EngineSingletons::EngineSingletons()
     g_engine_signals = engine_signals_.get();
     g_renderer_factory_table = renderer_factory_table_.get();
     g_frame_renderer_factory = frame_renderer_factory_.get();
+    g_input_system = input_system_.get();
     g_imgui_shared_state = imgui_shared_state_.get();
     g_plugin_system = plugin_system_.get();
     timer_->start(kTimerTickMs);
@@ -55,6 +58,7 @@ EngineSingletons::~EngineSingletons()
     plugin_system_.reset();
     tasks_->stop();
     g_imgui_shared_state = nullptr;
+    g_input_system = nullptr;
     g_frame_renderer_factory = nullptr;
     g_renderer_factory_table = nullptr;
     g_engine_signals = nullptr;
@@ -63,6 +67,7 @@ EngineSingletons::~EngineSingletons()
     g_profiler = nullptr;
     g_task_system = nullptr;
     imgui_shared_state_.reset();
+    input_system_.reset();
     frame_renderer_factory_.reset();
     renderer_factory_table_.reset();
     engine_signals_.reset();

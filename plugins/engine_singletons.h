@@ -13,6 +13,7 @@ class GpuResourceRegistry;
 class EngineSignals;
 class RendererFactoryTable;
 class FrameRendererFactory;
+class InputSystem;
 struct ImGuiSharedState;
 class PluginSystem;
 
@@ -37,6 +38,7 @@ public:
     EngineSignals& engine_signals() { return *engine_signals_; }
     RendererFactoryTable& renderer_factory_table() { return *renderer_factory_table_; }
     FrameRendererFactory& frame_renderer_factory() { return *frame_renderer_factory_; }
+    InputSystem& input_system() { return *input_system_; }
     ImGuiSharedState& imgui_shared_state() { return *imgui_shared_state_; }
     PluginSystem& plugin_system() { return *plugin_system_; }
 
@@ -50,6 +52,7 @@ private:
     std::unique_ptr<EngineSignals> engine_signals_;
     std::unique_ptr<RendererFactoryTable> renderer_factory_table_;
     std::unique_ptr<FrameRendererFactory> frame_renderer_factory_;
+    std::unique_ptr<InputSystem> input_system_;
     std::unique_ptr<ImGuiSharedState> imgui_shared_state_;
     std::unique_ptr<PluginSystem> plugin_system_;
 };

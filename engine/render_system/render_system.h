@@ -202,8 +202,12 @@ public:
     const std::shared_ptr<Renderer>& GetRenderer() const { return renderer_; }
     bool IsReady() const { return is_ready_.load(); }
     RenderTechnique GetRenderTechnique() const { return technique_; }
+    // The internal resolution as set; 0 follows the output size.
     int GetInternalWidth() const { return internal_width_; }
     int GetInternalHeight() const { return internal_height_; }
+    // The size the frame's textures were made with.
+    int GetFrameWidth() const { return frame_width_; }
+    int GetFrameHeight() const { return frame_height_; }
     std::uint16_t GetShadowMapSize() const { return shadow_map_size_; }
     std::uint32_t GetFxConfig() const { return fx_config_; }
     std::uint32_t GetFeatures() const { return features_; }
@@ -217,7 +221,11 @@ public:
     const std::shared_ptr<GpuShader>& GetCoreShader(CoreShader shader) const { return core_shaders_[shader]; }
     int GetSurfaceBuildsInFlight() const { return surface_builds_in_flight_.load(); }
 
+    // The multisampled or g-buffer target of the technique; without hardware multisampling the
+    // forward technique draws straight into the compose target, see GetDrawTarget.
     const std::shared_ptr<RenderTarget>& GetOutputTarget() const { return output_target_; }
+    // The target a frame draws the scene into.
+    const std::shared_ptr<RenderTarget>& GetDrawTarget() const { return draw_target_; }
     const std::shared_ptr<RenderTarget>& GetComposeTarget() const { return compose_target_; }
     const std::shared_ptr<RenderTarget>& GetFeedbackTarget() const { return feedback_target_; }
     const std::shared_ptr<RenderTarget>& GetReadTarget() const { return read_target_; }
@@ -270,16 +278,19 @@ private:
     void ReleaseFrameTextures();
     std::shared_ptr<Texture> MakeFrameTexture(const std::string& name, TextureFormat format,
                                               std::uint8_t anti_aliasing);
+    void UploadBuiltins();
     void BuildPrimitiveLists(std::vector<std::shared_ptr<Renderable>>& renderables, PrimitiveLists& lists);
     void ComposeToWindow();
     void ComposeToTarget(const std::shared_ptr<RenderTarget>& target);
     void DrawImmediate(const ImmediateVertices& vertices, const Color& color, const std::shared_ptr<Texture>& texture,
                        PrimitiveType primitive);
-    bool BindImmediateShader(const Color& color, const std::shared_ptr<Texture>& texture);
+    bool BindImmediateShader(const std::shared_ptr<Texture>& texture);
     void EnsureBufferSize(const std::shared_ptr<GpuBuffer>& buffer, std::uint32_t size, BufferKind kind);
 
     int internal_width_ = 0;
     int internal_height_ = 0;
+    int frame_width_ = 0;
+    int frame_height_ = 0;
     RenderFrameStatistics statistics_;
 
     std::shared_ptr<RenderTarget> output_target_;
@@ -287,6 +298,7 @@ private:
     std::shared_ptr<RenderTarget> feedback_target_;
     std::shared_ptr<RenderTarget> read_target_;
     std::shared_ptr<RenderTarget> postprocess_target_;
+    std::shared_ptr<RenderTarget> draw_target_;
     std::vector<std::shared_ptr<Texture>> frame_textures_;
     std::array<std::shared_ptr<Texture>, 2> compose_textures_;
 
@@ -307,6 +319,9 @@ private:
     bool has_output_target_ = false;
     std::uint8_t eye_ = kEyeMono;
     Frustum frustum_;
+    Matrix4 view_;
+    // The lists of the pass-shader and picking draws, kept for their capacity.
+    PrimitiveLists private_lists_;
 
     std::shared_ptr<GpuBuffer> quad_index_buffer_;
     std::shared_ptr<GpuBuffer> quad_vertex_buffer_;

@@ -39,7 +39,7 @@ RecordingRenderer::RecordingRenderer() { renderer_name_ = "recording", vendor_na
 
 RecordingRenderer::~RecordingRenderer() { Close(); }
 
-void RecordingRenderer::Record(std::string call)
+void RecordingRenderer::RecordText(std::string call)
 {
     std::lock_guard lock(calls_lock_);
     calls_.push_back(std::move(call));
@@ -80,7 +80,7 @@ std::string RecordingRenderer::GetName() { return back_end_name; }
 
 std::shared_ptr<RenderTarget> RecordingRenderer::NewRenderTarget()
 {
-    Record("NewRenderTarget()");
+    Record([&] { return std::string("NewRenderTarget()"); });
     return WrapRenderTarget(new RecordingRenderTarget);
 }
 
@@ -88,58 +88,60 @@ void RecordingRenderer::BlitRenderTarget(const std::shared_ptr<RenderTarget>& so
                                          const std::shared_ptr<RenderTarget>& destination, const Rect& source_rect,
                                          const Rect& destination_rect, bool color, bool depth)
 {
-    Record("BlitRenderTarget(" + std::string(source ? "target" : "null") + ", " + (destination ? "target" : "null") +
-           ", " + text_of(source_rect) + ", " + text_of(destination_rect) + ", " + text_of(color) + ", " +
-           text_of(depth) + ")");
+    Record([&] {
+        return std::string("BlitRenderTarget(" + std::string(source ? "target" : "null") + ", " +
+                           (destination ? "target" : "null") + ", " + text_of(source_rect) + ", " +
+                           text_of(destination_rect) + ", " + text_of(color) + ", " + text_of(depth) + ")");
+    });
 }
 
 void RecordingRenderer::ResetRenderTarget()
 {
-    Record("ResetRenderTarget()");
+    Record([&] { return std::string("ResetRenderTarget()"); });
     SetCurrentRenderTarget(nullptr);
 }
 
 void RecordingRenderer::SetRenderTarget(const std::shared_ptr<RenderTarget>& target)
 {
-    Record(std::string("SetRenderTarget(") + (target ? "target" : "null") + ")");
+    Record([&] { return std::string(std::string("SetRenderTarget(") + (target ? "target" : "null") + ")"); });
     SetCurrentRenderTarget(target);
 }
 
 bool RecordingRenderer::CheckRenderTarget()
 {
-    Record("CheckRenderTarget()");
+    Record([&] { return std::string("CheckRenderTarget()"); });
     return check_render_target_result;
 }
 
 void RecordingRenderer::CreateRenderTarget(RenderTarget& target)
 {
-    Record("CreateRenderTarget(" + std::to_string(target.color_count) + ")");
+    Record([&] { return std::string("CreateRenderTarget(" + std::to_string(target.color_count) + ")"); });
     if (auto* recording = dynamic_cast<RecordingRenderTarget*>(&target))
         recording->created = true;
 }
 
 void RecordingRenderer::FreeRenderTarget(RenderTarget& target)
 {
-    Record("FreeRenderTarget()");
+    Record([&] { return std::string("FreeRenderTarget()"); });
     if (auto* recording = dynamic_cast<RecordingRenderTarget*>(&target))
         recording->created = false;
 }
 
 std::shared_ptr<GpuBuffer> RecordingRenderer::NewBuffer()
 {
-    Record("NewBuffer()");
+    Record([&] { return std::string("NewBuffer()"); });
     return std::make_shared<RecordingBuffer>();
 }
 
 std::uint32_t RecordingRenderer::GetBufferSize(const GpuBuffer& buffer)
 {
-    Record("GetBufferSize()");
+    Record([&] { return std::string("GetBufferSize()"); });
     return static_cast<std::uint32_t>(static_cast<const RecordingBuffer&>(buffer).bytes.size());
 }
 
 void* RecordingRenderer::MapBuffer(GpuBuffer& buffer)
 {
-    Record("MapBuffer()");
+    Record([&] { return std::string("MapBuffer()"); });
     auto& recording = static_cast<RecordingBuffer&>(buffer);
     recording.mapped = true;
     return recording.bytes.data();
@@ -147,13 +149,13 @@ void* RecordingRenderer::MapBuffer(GpuBuffer& buffer)
 
 void RecordingRenderer::UnmapBuffer(GpuBuffer& buffer)
 {
-    Record("UnmapBuffer()");
+    Record([&] { return std::string("UnmapBuffer()"); });
     static_cast<RecordingBuffer&>(buffer).mapped = false;
 }
 
 void RecordingRenderer::UpdateBuffer(GpuBuffer& buffer, const void* data, std::uint32_t offset, std::uint32_t size)
 {
-    Record("UpdateBuffer(" + std::to_string(offset) + ", " + std::to_string(size) + ")");
+    Record([&] { return std::string("UpdateBuffer(" + std::to_string(offset) + ", " + std::to_string(size) + ")"); });
     auto& bytes = static_cast<RecordingBuffer&>(buffer).bytes;
     // A GPU would reject a write past the end; copy what fits.
     if (data && offset < bytes.size())
@@ -163,7 +165,10 @@ void RecordingRenderer::UpdateBuffer(GpuBuffer& buffer, const void* data, std::u
 void RecordingRenderer::CreateBuffer(GpuBuffer& buffer, const void* data, std::uint32_t size, BufferKind kind,
                                      BufferUsage usage)
 {
-    Record("CreateBuffer(" + std::to_string(size) + ", " + kind_name(kind) + ", " + usage_name(usage) + ")");
+    Record([&] {
+        return std::string("CreateBuffer(" + std::to_string(size) + ", " + kind_name(kind) + ", " + usage_name(usage) +
+                           ")");
+    });
     auto& recording = static_cast<RecordingBuffer&>(buffer);
     recording.bytes.assign(size, 0);
     if (data)
@@ -175,7 +180,7 @@ void RecordingRenderer::CreateBuffer(GpuBuffer& buffer, const void* data, std::u
 
 void RecordingRenderer::FreeBuffer(GpuBuffer& buffer)
 {
-    Record("FreeBuffer()");
+    Record([&] { return std::string("FreeBuffer()"); });
     auto& recording = static_cast<RecordingBuffer&>(buffer);
     recording.bytes.clear();
     recording.created = false;
@@ -183,14 +188,16 @@ void RecordingRenderer::FreeBuffer(GpuBuffer& buffer)
 
 std::shared_ptr<Texture> RecordingRenderer::NewTexture(const std::string& name)
 {
-    Record("NewTexture(" + name + ")");
+    Record([&] { return std::string("NewTexture(" + name + ")"); });
     std::lock_guard lock(calls_lock_);
     return std::make_shared<RecordingTexture>(name, next_texture_handle_++);
 }
 
 std::shared_ptr<Texture> RecordingRenderer::NewShadowMap(int width, int height, const std::string& name)
 {
-    Record("NewShadowMap(" + std::to_string(width) + ", " + std::to_string(height) + ", " + name + ")");
+    Record([&] {
+        return std::string("NewShadowMap(" + std::to_string(width) + ", " + std::to_string(height) + ", " + name + ")");
+    });
     std::shared_ptr<Texture> texture;
     {
         std::lock_guard lock(calls_lock_);
@@ -206,9 +213,12 @@ void RecordingRenderer::CreateTexture(Texture& texture, const void* data, std::u
                                       TextureFormat format, std::uint8_t anti_aliasing, TextureUsage usage,
                                       bool mipmapped, int flag)
 {
-    Record("CreateTexture(" + texture.GetName() + ", " + std::to_string(size) + ", " + std::to_string(width) + ", " +
-           std::to_string(height) + ", " + std::to_string(format) + ", " + std::to_string(anti_aliasing) + ", " +
-           std::to_string(usage) + ", " + text_of(mipmapped) + ", " + std::to_string(flag) + ")");
+    Record([&] {
+        return std::string("CreateTexture(" + texture.GetName() + ", " + std::to_string(size) + ", " +
+                           std::to_string(width) + ", " + std::to_string(height) + ", " + std::to_string(format) +
+                           ", " + std::to_string(anti_aliasing) + ", " + std::to_string(usage) + ", " +
+                           text_of(mipmapped) + ", " + std::to_string(flag) + ")");
+    });
     texture.width = width;
     texture.height = height;
     texture.format = format;
@@ -222,7 +232,7 @@ void RecordingRenderer::CreateTexture(Texture& texture, const void* data, std::u
 
 void RecordingRenderer::FreeTexture(Texture& texture)
 {
-    Record("FreeTexture(" + texture.GetName() + ")");
+    Record([&] { return std::string("FreeTexture(" + texture.GetName() + ")"); });
     if (auto* recording = dynamic_cast<RecordingTexture*>(&texture)) {
         recording->pixels.clear();
         recording->created = false;
@@ -232,13 +242,13 @@ void RecordingRenderer::FreeTexture(Texture& texture)
 bool RecordingRenderer::LoadNativeTexture(Texture& texture, const std::string& path)
 {
     // No container format is understood here: a native texture always fails to load.
-    Record("LoadNativeTexture(" + texture.GetName() + ", " + path + ")");
+    Record([&] { return std::string("LoadNativeTexture(" + texture.GetName() + ", " + path + ")"); });
     return false;
 }
 
 void RecordingRenderer::UpdateTexture(Texture& texture, const void* data, std::uint32_t size)
 {
-    Record("UpdateTexture(" + texture.GetName() + ", " + std::to_string(size) + ")");
+    Record([&] { return std::string("UpdateTexture(" + texture.GetName() + ", " + std::to_string(size) + ")"); });
     if (auto* recording = dynamic_cast<RecordingTexture*>(&texture); recording && data) {
         const auto* bytes = static_cast<const std::uint8_t*>(data);
         recording->pixels.assign(bytes, bytes + size);
@@ -247,7 +257,7 @@ void RecordingRenderer::UpdateTexture(Texture& texture, const void* data, std::u
 
 bool RecordingRenderer::CaptureTexture(Texture& texture, Picture& picture)
 {
-    Record("CaptureTexture(" + texture.GetName() + ")");
+    Record([&] { return std::string("CaptureTexture(" + texture.GetName() + ")"); });
     auto* recording = dynamic_cast<RecordingTexture*>(&texture);
     if (!recording || !recording->created)
         return false;
@@ -260,12 +270,12 @@ bool RecordingRenderer::CaptureTexture(Texture& texture, Picture& picture)
 
 void RecordingRenderer::RefreshTextureBinding(Texture& texture)
 {
-    Record("RefreshTextureBinding(" + texture.GetName() + ")");
+    Record([&] { return std::string("RefreshTextureBinding(" + texture.GetName() + ")"); });
 }
 
 std::shared_ptr<GpuShader> RecordingRenderer::NewShader(const std::string& name)
 {
-    Record("NewShader(" + name + ")");
+    Record([&] { return std::string("NewShader(" + name + ")"); });
     return WrapShader(new RecordingShader(name));
 }
 
@@ -273,14 +283,14 @@ std::shared_ptr<GpuShader> RecordingRenderer::GetShader() { return bound_shader;
 
 void RecordingRenderer::FreeShader(GpuShader& shader)
 {
-    Record("FreeShader(" + shader.GetName() + ")");
+    Record([&] { return std::string("FreeShader(" + shader.GetName() + ")"); });
     if (auto* recording = dynamic_cast<RecordingShader*>(&shader))
         recording->compiled = false;
 }
 
 ShaderVariable RecordingRenderer::GetShaderVariable(const std::string& name)
 {
-    Record("GetShaderVariable(" + name + ")");
+    Record([&] { return std::string("GetShaderVariable(" + name + ")"); });
     std::lock_guard lock(calls_lock_);
     auto [it, added] = variable_names_.try_emplace(name, static_cast<std::int64_t>(variable_names_.size()));
     variable_by_handle_[it->second] = name;
@@ -289,7 +299,7 @@ ShaderVariable RecordingRenderer::GetShaderVariable(const std::string& name)
 
 ShaderVariable RecordingRenderer::GetShaderVariableBySemantic(int semantic)
 {
-    Record("GetShaderVariableBySemantic(" + std::to_string(semantic) + ")");
+    Record([&] { return std::string("GetShaderVariableBySemantic(" + std::to_string(semantic) + ")"); });
     auto* shader = dynamic_cast<RecordingShader*>(bound_shader.get());
     if (!shader || !shader->HasSemantic(semantic))
         return {};
@@ -314,32 +324,49 @@ void store_value(std::mutex& lock, std::map<std::int64_t, std::string>& names,
 
 void RecordingRenderer::SetShaderInt(ShaderVariable variable, const int* values, int count)
 {
-    Record("SetShaderInt(" + std::to_string(variable.handle) + ", " + list_of(values, count) + ")");
-    store_value(calls_lock_, variable_by_handle_, shader_values_, variable, list_of(values, count));
+    Record([&] {
+        return std::string("SetShaderInt(" + std::to_string(variable.handle) + ", " + list_of(values, count) + ")");
+    });
+    if (record_calls)
+        store_value(calls_lock_, variable_by_handle_, shader_values_, variable, list_of(values, count));
 }
 
 void RecordingRenderer::SetShaderFloat(ShaderVariable variable, const float* values, int count)
 {
-    Record("SetShaderFloat(" + std::to_string(variable.handle) + ", " + list_of(values, count) + ")");
-    store_value(calls_lock_, variable_by_handle_, shader_values_, variable, list_of(values, count));
+    Record([&] {
+        return std::string("SetShaderFloat(" + std::to_string(variable.handle) + ", " + list_of(values, count) + ")");
+    });
+    if (record_calls)
+        store_value(calls_lock_, variable_by_handle_, shader_values_, variable, list_of(values, count));
 }
 
 void RecordingRenderer::SetShaderFloat2(ShaderVariable variable, const float* values, int count)
 {
-    Record("SetShaderFloat2(" + std::to_string(variable.handle) + ", " + list_of(values, count * 2) + ")");
-    store_value(calls_lock_, variable_by_handle_, shader_values_, variable, list_of(values, count * 2));
+    Record([&] {
+        return std::string("SetShaderFloat2(" + std::to_string(variable.handle) + ", " + list_of(values, count * 2) +
+                           ")");
+    });
+    if (record_calls)
+        store_value(calls_lock_, variable_by_handle_, shader_values_, variable, list_of(values, count * 2));
 }
 
 void RecordingRenderer::SetShaderFloat3(ShaderVariable variable, const float* values, int count)
 {
-    Record("SetShaderFloat3(" + std::to_string(variable.handle) + ", " + list_of(values, count * 3) + ")");
-    store_value(calls_lock_, variable_by_handle_, shader_values_, variable, list_of(values, count * 3));
+    Record([&] {
+        return std::string("SetShaderFloat3(" + std::to_string(variable.handle) + ", " + list_of(values, count * 3) +
+                           ")");
+    });
+    if (record_calls)
+        store_value(calls_lock_, variable_by_handle_, shader_values_, variable, list_of(values, count * 3));
 }
 
 void RecordingRenderer::SetShaderTexture(ShaderVariable variable, const std::shared_ptr<Texture>& texture)
 {
-    Record("SetShaderTexture(" + std::to_string(variable.handle) + ", " + NameOf(texture) + ")");
-    store_value(calls_lock_, variable_by_handle_, shader_values_, variable, NameOf(texture));
+    Record([&] {
+        return std::string("SetShaderTexture(" + std::to_string(variable.handle) + ", " + NameOf(texture) + ")");
+    });
+    if (record_calls)
+        store_value(calls_lock_, variable_by_handle_, shader_values_, variable, NameOf(texture));
 }
 
 void RecordingRenderer::SetShaderSystemBuiltins(const ShaderSystemBuiltins& builtins)
@@ -348,98 +375,109 @@ void RecordingRenderer::SetShaderSystemBuiltins(const ShaderSystemBuiltins& buil
     out << "SetShaderSystemBuiltins(" << builtins.clock_seconds << ", " << builtins.internal_width << "x"
         << builtins.internal_height << ", " << builtins.fx_scale << ", " << text_of(builtins.technique_is_forward)
         << ")";
-    Record(out.str());
+    Record([&] { return std::string(out.str()); });
 }
 
 void RecordingRenderer::SetShaderCameraBuiltins(const Matrix4&, float znear, float zfar, float zoom)
 {
     std::ostringstream out;
     out << "SetShaderCameraBuiltins(" << znear << ", " << zfar << ", " << zoom << ")";
-    Record(out.str());
+    Record([&] { return std::string(out.str()); });
 }
 
 void RecordingRenderer::SetShaderTransformationBuiltins(const ShaderTransformationBuiltins& builtins)
 {
-    Record("SetShaderTransformationBuiltins(" + std::to_string(builtins.bone_count) + ")");
+    Record([&] { return std::string("SetShaderTransformationBuiltins(" + std::to_string(builtins.bone_count) + ")"); });
 }
 
 void RecordingRenderer::SetShaderLightBuiltins(const ShaderLightBuiltins& builtins)
 {
-    Record("SetShaderLightBuiltins(" + std::to_string(builtins.slice_count) + ")");
+    Record([&] { return std::string("SetShaderLightBuiltins(" + std::to_string(builtins.slice_count) + ")"); });
 }
 
 void RecordingRenderer::SetShaderPickingId(std::uint32_t id)
 {
-    Record("SetShaderPickingId(" + std::to_string(id) + ")");
+    Record([&] { return std::string("SetShaderPickingId(" + std::to_string(id) + ")"); });
 }
 
 void RecordingRenderer::SetShaderValues(const ShaderVariableTable&, const ShaderVariableTable* material_values)
 {
-    Record(std::string("SetShaderValues(") + (material_values ? "material" : "null") + ")");
+    Record(
+        [&] { return std::string(std::string("SetShaderValues(") + (material_values ? "material" : "null") + ")"); });
 }
 
 CapabilityValue RecordingRenderer::GetCapability(int query)
 {
-    Record("GetCapability(" + std::to_string(query) + ")");
+    Record([&] { return std::string("GetCapability(" + std::to_string(query) + ")"); });
     const auto it = capabilities.find(query);
     return it == capabilities.end() ? Renderer::GetCapability(query) : it->second;
 }
 
 void RecordingRenderer::SetCullFront(bool value)
 {
-    Record("SetCullFront(" + text_of(value) + ")");
+    Record([&] { return std::string("SetCullFront(" + text_of(value) + ")"); });
     cull_front = value;
 }
 
 void RecordingRenderer::SetFaceCulling(bool enable)
 {
-    Record("SetFaceCulling(" + text_of(enable) + ")");
+    Record([&] { return std::string("SetFaceCulling(" + text_of(enable) + ")"); });
     face_culling = enable;
 }
 
-void RecordingRenderer::SetDepthFunc(DepthFunc function) { Record("SetDepthFunc(" + std::to_string(function) + ")"); }
+void RecordingRenderer::SetDepthFunc(DepthFunc function)
+{
+    Record([&] { return std::string("SetDepthFunc(" + std::to_string(function) + ")"); });
+}
 
 void RecordingRenderer::SetDepthTest(bool enable)
 {
-    Record("SetDepthTest(" + text_of(enable) + ")");
+    Record([&] { return std::string("SetDepthTest(" + text_of(enable) + ")"); });
     depth_test = enable;
 }
 
 void RecordingRenderer::SetDepthWrite(bool enable)
 {
-    Record("SetDepthWrite(" + text_of(enable) + ")");
+    Record([&] { return std::string("SetDepthWrite(" + text_of(enable) + ")"); });
     depth_write = enable;
 }
 
 void RecordingRenderer::SetBlendFunc(BlendFactor source, BlendFactor destination)
 {
-    Record("SetBlendFunc(" + std::to_string(source) + ", " + std::to_string(destination) + ")");
+    Record([&] {
+        return std::string("SetBlendFunc(" + std::to_string(source) + ", " + std::to_string(destination) + ")");
+    });
 }
 
 void RecordingRenderer::SetBlend(bool enable)
 {
-    Record("SetBlend(" + text_of(enable) + ")");
+    Record([&] { return std::string("SetBlend(" + text_of(enable) + ")"); });
     blend = enable;
 }
 
-void RecordingRenderer::SetAlphaToCoverage(bool enable) { Record("SetAlphaToCoverage(" + text_of(enable) + ")"); }
+void RecordingRenderer::SetAlphaToCoverage(bool enable)
+{
+    Record([&] { return std::string("SetAlphaToCoverage(" + text_of(enable) + ")"); });
+}
 
 void RecordingRenderer::SetIndexSource(const std::shared_ptr<GpuBuffer>& buffer)
 {
-    Record(std::string("SetIndexSource(") + (buffer ? "buffer" : "null") + ")");
+    Record([&] { return std::string(std::string("SetIndexSource(") + (buffer ? "buffer" : "null") + ")"); });
     index_source = buffer;
 }
 
 void RecordingRenderer::SetVertexSource(const std::shared_ptr<GpuBuffer>& buffer, const VertexLayout& layout)
 {
-    Record(std::string("SetVertexSource(") + (buffer ? "buffer" : "null") + ", " + std::to_string(layout.GetStride()) +
-           ")");
+    Record([&] {
+        return std::string(std::string("SetVertexSource(") + (buffer ? "buffer" : "null") + ", " +
+                           std::to_string(layout.GetStride()) + ")");
+    });
     vertex_source = buffer;
 }
 
 bool RecordingRenderer::SetShader(const std::shared_ptr<GpuShader>& shader)
 {
-    Record("SetShader(" + (shader ? shader->GetName() : std::string("null")) + ")");
+    Record([&] { return std::string("SetShader(" + (shader ? shader->GetName() : std::string("null")) + ")"); });
     if (!shader || !shader->IsReady())
         return false;
     bound_shader = shader;
@@ -448,7 +486,7 @@ bool RecordingRenderer::SetShader(const std::shared_ptr<GpuShader>& shader)
 
 bool RecordingRenderer::TranslateShader(const Shader& shader, std::string& vertex_text, std::string& pixel_text)
 {
-    Record("TranslateShader(" + shader.name + ")");
+    Record([&] { return std::string("TranslateShader(" + shader.name + ")"); });
     if (!translate_result)
         return false;
     // The stage texts of the first variant stand in for a translation.
@@ -462,7 +500,7 @@ bool RecordingRenderer::TranslateShader(const Shader& shader, std::string& verte
 
 bool RecordingRenderer::CompileShader(GpuShader& shader, const std::string& vertex_text, const std::string& pixel_text)
 {
-    Record("CompileShader(" + shader.GetName() + ")");
+    Record([&] { return std::string("CompileShader(" + shader.GetName() + ")"); });
     if (auto* recording = dynamic_cast<RecordingShader*>(&shader)) {
         recording->vertex_text = vertex_text;
         recording->pixel_text = pixel_text;
@@ -477,7 +515,7 @@ bool RecordingRenderer::IsOutputFocused() { return true; }
 
 bool RecordingRenderer::OpenBackEnd()
 {
-    Record("OpenBackEnd()");
+    Record([&] { return std::string("OpenBackEnd()"); });
     if (open_back_end_result)
         viewport = Rect{0, 0, static_cast<float>(output_size.first), static_cast<float>(output_size.second)};
     return open_back_end_result;
@@ -485,7 +523,7 @@ bool RecordingRenderer::OpenBackEnd()
 
 void RecordingRenderer::CloseBackEnd()
 {
-    Record("CloseBackEnd()");
+    Record([&] { return std::string("CloseBackEnd()"); });
     bound_shader.reset();
     index_source.reset();
     vertex_source.reset();
@@ -493,13 +531,13 @@ void RecordingRenderer::CloseBackEnd()
 
 void RecordingRenderer::ClearClipRect()
 {
-    Record("ClearClipRect()");
+    Record([&] { return std::string("ClearClipRect()"); });
     clip_enabled = false;
 }
 
 void RecordingRenderer::SetClipRect(const Rect& rect)
 {
-    Record("SetClipRect(" + text_of(rect) + ")");
+    Record([&] { return std::string("SetClipRect(" + text_of(rect) + ")"); });
     clip_rect = rect;
     clip_enabled = true;
 }
@@ -508,7 +546,7 @@ Rect RecordingRenderer::GetClipRect() { return clip_rect; }
 
 void RecordingRenderer::SetViewport(const Rect& rect)
 {
-    Record("SetViewport(" + text_of(rect) + ")");
+    Record([&] { return std::string("SetViewport(" + text_of(rect) + ")"); });
     viewport = rect;
 }
 
@@ -519,31 +557,39 @@ void RecordingRenderer::Clear(const Color& color, float depth, std::uint32_t pla
     std::ostringstream out;
     out << "Clear(" << color.r << "," << color.g << "," << color.b << "," << color.a << ", " << depth << ", " << planes
         << ")";
-    Record(out.str());
+    Record([&] { return std::string(out.str()); });
 }
 
 void RecordingRenderer::DrawBuffers(IndexType index_type, std::uint32_t index_count, PrimitiveType primitive,
                                     std::uint32_t first_index)
 {
-    Record("DrawBuffers(" + std::to_string(index_type) + ", " + std::to_string(index_count) + ", " +
-           std::to_string(primitive) + ", " + std::to_string(first_index) + ")");
+    Record([&] {
+        return std::string("DrawBuffers(" + std::to_string(index_type) + ", " + std::to_string(index_count) + ", " +
+                           std::to_string(primitive) + ", " + std::to_string(first_index) + ")");
+    });
     ++draw_count;
 }
 
 void RecordingRenderer::DrawBuffersInstanced(const std::shared_ptr<GpuBuffer>&, std::uint32_t instance_count,
                                              IndexType index_type, std::uint32_t index_count, PrimitiveType primitive)
 {
-    Record("DrawBuffersInstanced(" + std::to_string(instance_count) + ", " + std::to_string(index_type) + ", " +
-           std::to_string(index_count) + ", " + std::to_string(primitive) + ")");
+    Record([&] {
+        return std::string("DrawBuffersInstanced(" + std::to_string(instance_count) + ", " +
+                           std::to_string(index_type) + ", " + std::to_string(index_count) + ", " +
+                           std::to_string(primitive) + ")");
+    });
     ++draw_count;
 }
 
 void RecordingRenderer::PresentFrame()
 {
-    Record("PresentFrame()");
+    Record([&] { return std::string("PresentFrame()"); });
     ++present_count;
 }
 
-void RecordingRenderer::FlushRenderer() { Record("FlushRenderer()"); }
+void RecordingRenderer::FlushRenderer()
+{
+    Record([&] { return std::string("FlushRenderer()"); });
+}
 
 }  // namespace kesta

@@ -68,6 +68,9 @@ public:
     std::map<int, CapabilityValue> capabilities;
     std::pair<int, int> output_size{1280, 720};
     std::string back_end_name = "Recording";
+    // Off: calls and shader values are not recorded, and the renderer allocates nothing per call
+    // (for allocation and timing measurements of its callers).
+    bool record_calls = true;
 
     // --- what happened ---
     // Every call as "Name(arguments)", in order.
@@ -164,7 +167,14 @@ public:
     int present_count = 0;
 
 private:
-    void Record(std::string call);
+    // Builds the call's text only while calls are recorded.
+    template <typename MakeCall>
+    void Record(MakeCall&& make_call)
+    {
+        if (record_calls)
+            RecordText(make_call());
+    }
+    void RecordText(std::string call);
     std::string NameOf(const std::shared_ptr<Texture>& texture) const;
 
     mutable std::mutex calls_lock_;

@@ -492,6 +492,35 @@ TEST(TaskSystemWait, WaitForAllCoversQueuesRunningTasksAndContinuations)
     system.stop();
 }
 
+// A task whose destructor takes a while, as one from a plug-in that must be gone before the
+// plug-in is unloaded.
+class SlowToDestroyTask : public task {
+public:
+    explicit SlowToDestroyTask(std::atomic<bool>& destroyed) : destroyed_(destroyed) {}
+    ~SlowToDestroyTask() override
+    {
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        destroyed_.store(true);
+    }
+    void run() override {}
+
+private:
+    std::atomic<bool>& destroyed_;
+};
+
+TEST(TaskSystemWait, WaitForAllReturnsOnlyOnceTheWorkersReleasedTheirFinishedTasks)
+{
+    task_system system;
+    ASSERT_TRUE(system.start(2));
+    for (std::uint8_t worker = 0; worker < 2; ++worker) {
+        std::atomic<bool> destroyed{false};
+        system.run_task(std::make_shared<SlowToDestroyTask>(destroyed), nullptr, worker, 0);
+        system.wait_for_all();
+        EXPECT_TRUE(destroyed.load()) << "worker " << int{worker};
+    }
+    system.stop();
+}
+
 // ---- Start and stop ----
 
 class TaskSystemLifecycle : public ::testing::Test {

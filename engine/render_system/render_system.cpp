@@ -405,7 +405,8 @@ void RenderSystem::ComposeToWindow()
     r.ResetRenderTarget();
     r.SetDepthTest(false);
     r.SetDepthWrite(false);
-    if (!r.SetShader(core_shaders_[kShaderSingleTexture2D]))
+    // Without 3D resources there is no frame texture to show.
+    if (!current_output_texture_ || !r.SetShader(core_shaders_[kShaderSingleTexture2D]))
         return;
     r.SetShaderTexture(r.GetShaderVariable("u_tex"), current_output_texture_);
     DrawFullscreenQuad(uv);

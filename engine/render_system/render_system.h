@@ -184,6 +184,7 @@ public:
     // --- immediate drawing, with the bound matrices ---
 
     // Pairs of vertices as lines; with a texture through single_texture, else single_color.
+    // `color` is the colour of vertices that bring none. Lines count in the frame statistics.
     void DrawLine(const ImmediateVertices& vertices, const Color& color,
                   const std::shared_ptr<Texture>& texture = nullptr);
     // Triples of vertices as triangles.

@@ -371,18 +371,22 @@ void RecordingRenderer::SetShaderTexture(ShaderVariable variable, const std::sha
 
 void RecordingRenderer::SetShaderSystemBuiltins(const ShaderSystemBuiltins& builtins)
 {
-    std::ostringstream out;
-    out << "SetShaderSystemBuiltins(" << builtins.clock_seconds << ", " << builtins.internal_width << "x"
-        << builtins.internal_height << ", " << builtins.fx_scale << ", " << text_of(builtins.technique_is_forward)
-        << ")";
-    Record([&] { return std::string(out.str()); });
+    Record([&] {
+        std::ostringstream out;
+        out << "SetShaderSystemBuiltins(" << builtins.clock_seconds << ", " << builtins.internal_width << "x"
+            << builtins.internal_height << ", " << builtins.fx_scale << ", " << text_of(builtins.technique_is_forward)
+            << ")";
+        return out.str();
+    });
 }
 
 void RecordingRenderer::SetShaderCameraBuiltins(const Matrix4&, float znear, float zfar, float zoom)
 {
-    std::ostringstream out;
-    out << "SetShaderCameraBuiltins(" << znear << ", " << zfar << ", " << zoom << ")";
-    Record([&] { return std::string(out.str()); });
+    Record([&] {
+        std::ostringstream out;
+        out << "SetShaderCameraBuiltins(" << znear << ", " << zfar << ", " << zoom << ")";
+        return out.str();
+    });
 }
 
 void RecordingRenderer::SetShaderTransformationBuiltins(const ShaderTransformationBuiltins& builtins)
@@ -554,10 +558,12 @@ Rect RecordingRenderer::GetViewport() { return viewport; }
 
 void RecordingRenderer::Clear(const Color& color, float depth, std::uint32_t planes)
 {
-    std::ostringstream out;
-    out << "Clear(" << color.r << "," << color.g << "," << color.b << "," << color.a << ", " << depth << ", " << planes
-        << ")";
-    Record([&] { return std::string(out.str()); });
+    Record([&] {
+        std::ostringstream out;
+        out << "Clear(" << color.r << "," << color.g << "," << color.b << "," << color.a << ", " << depth << ", "
+            << planes << ")";
+        return out.str();
+    });
 }
 
 void RecordingRenderer::DrawBuffers(IndexType index_type, std::uint32_t index_count, PrimitiveType primitive,

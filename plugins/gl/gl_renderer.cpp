@@ -95,7 +95,14 @@ bool GLRenderer::OpenBackEnd()
     InstallDebugOutput();
 
     releaser_ = std::make_shared<GLObjectReleaser>();
-    releaser_->on_buffer_deleted = [this](GLuint buffer) { ReleaseVertexArraysOf(buffer); };
+    releaser_->on_buffer_deleted = [this](GLuint buffer) {
+        ReleaseVertexArraysOf(buffer);
+        // GL unbinds a deleted buffer, and may hand its name out again.
+        if (bound_array_buffer_ == buffer)
+            bound_array_buffer_ = 0;
+        if (bound_index_buffer_ == buffer)
+            bound_index_buffer_ = 0;
+    };
     if (!MakeOutput(output_, output_width_, output_height_, true) ||
         !MakeOutput(presented_, output_width_, output_height_, false)) {
         error("Cannot create the OpenGL output framebuffer");
@@ -131,7 +138,7 @@ void GLRenderer::CloseBackEnd()
     for (const auto& [key, vertex_array] : vertex_arrays_)
         glDeleteVertexArrays(1, &vertex_array);
     vertex_arrays_.clear();
-    vertex_array_ = 0;
+    vertex_array_ = bound_vertex_array_ = bound_index_buffer_ = bound_array_buffer_ = 0;
     FreeOutput(output_);
     FreeOutput(presented_);
     has_presented_ = false;
@@ -557,8 +564,8 @@ void GLRenderer::SetVertexSource(const std::shared_ptr<GpuBuffer>& buffer, const
         return;
     }
     glGenVertexArrays(1, &vertex_array_);
-    glBindVertexArray(vertex_array_);
-    glBindBuffer(GL_ARRAY_BUFFER, vertex_source_->gl_name);
+    BindVertexArray(vertex_array_);
+    BindArrayBuffer(vertex_source_->gl_name);
     static constexpr GLenum kTypes[] = {GL_BYTE, GL_UNSIGNED_BYTE, GL_SHORT, GL_UNSIGNED_SHORT,
                                         GL_INT,  GL_UNSIGNED_INT,  GL_FLOAT, GL_FLOAT};
     std::uintptr_t offset = 0;
@@ -584,6 +591,8 @@ void GLRenderer::ReleaseVertexArraysOf(GLuint buffer)
         if (it->first.buffer == buffer) {
             if (vertex_array_ == it->second)
                 vertex_array_ = 0;
+            if (bound_vertex_array_ == it->second)
+                bound_vertex_array_ = 0;
             glDeleteVertexArrays(1, &it->second);
             it = vertex_arrays_.erase(it);
         } else {
@@ -592,13 +601,34 @@ void GLRenderer::ReleaseVertexArraysOf(GLuint buffer)
     }
 }
 
+void GLRenderer::BindVertexArray(GLuint vertex_array)
+{
+    if (bound_vertex_array_ == vertex_array && vertex_array)
+        return;
+    glBindVertexArray(vertex_array);
+    bound_vertex_array_ = vertex_array;
+    // Each vertex array has its own index buffer binding.
+    bound_index_buffer_ = 0;
+}
+
+void GLRenderer::BindArrayBuffer(GLuint buffer)
+{
+    if (bound_array_buffer_ == buffer && buffer)
+        return;
+    glBindBuffer(GL_ARRAY_BUFFER, buffer);
+    bound_array_buffer_ = buffer;
+}
+
 bool GLRenderer::PrepareDraw()
 {
     AssertRenderThread();
     if (!bound_shader_ || !vertex_array_ || !index_source_ || !index_source_->gl_name)
         return false;
-    glBindVertexArray(vertex_array_);
-    glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, index_source_->gl_name);
+    BindVertexArray(vertex_array_);
+    if (bound_index_buffer_ != index_source_->gl_name) {
+        glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, index_source_->gl_name);
+        bound_index_buffer_ = index_source_->gl_name;
+    }
     UploadBuiltins(*bound_shader_);
     return true;
 }
@@ -621,7 +651,7 @@ void GLRenderer::DrawBuffersInstanced(const std::shared_ptr<GpuBuffer>& instance
         return;
     // A record is 36 floats: model and previous model as four columns each, then the picking id.
     constexpr GLsizei kRecordBytes = 36 * sizeof(float);
-    glBindBuffer(GL_ARRAY_BUFFER, instance_buffer->gl_name);
+    BindArrayBuffer(instance_buffer->gl_name);
     auto attribute = [](GLuint location, std::uintptr_t float_offset) {
         glEnableVertexAttribArray(location);
         glVertexAttribPointer(location, 4, GL_FLOAT, GL_FALSE, kRecordBytes,

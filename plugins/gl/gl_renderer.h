@@ -6,6 +6,7 @@
 //
 // Rectangles (viewport, clip, blit) are in GL window coordinates: x from the left, y from the
 // bottom row of the target. 2D drawing with Set2DMatrices(false) has y growing downwards.
+// Mapping a dynamic buffer gives up its contents: the caller writes what it draws.
 
 #include <epoxy/gl.h>
 
@@ -146,6 +147,9 @@ private:
     bool PrepareDraw();
     void UploadBuiltins(GLShader& shader);
     void ReleaseVertexArraysOf(GLuint buffer);
+    void BindVertexArray(GLuint vertex_array);
+    void BindArrayBuffer(GLuint buffer);
+    void BindForWrite(const GLBuffer& buffer);
     void InstallDebugOutput();
 
     GLContextFactory context_factory_;
@@ -161,6 +165,8 @@ private:
     std::shared_ptr<GLShader> bound_shader_;
     std::shared_ptr<GLBuffer> index_source_, vertex_source_;
     GLuint vertex_array_ = 0;
+    // What GL has bound now, so that repeated draws skip rebinding; 0 also stands for "unknown".
+    GLuint bound_vertex_array_ = 0, bound_index_buffer_ = 0, bound_array_buffer_ = 0;
     std::map<VertexArrayKey, GLuint> vertex_arrays_;
     std::shared_ptr<RenderTarget> bound_target_;
     int target_width_ = 0, target_height_ = 0;

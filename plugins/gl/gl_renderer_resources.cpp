@@ -42,6 +42,17 @@ std::uint32_t level_bytes(const GLTextureFormat& format, int width, int height)
 
 // --- buffers ---
 
+void GLRenderer::BindForWrite(const GLBuffer& buffer)
+{
+    if (buffer.target == GL_ARRAY_BUFFER) {
+        BindArrayBuffer(buffer.gl_name);
+        return;
+    }
+    // Index buffers are bound outside any vertex array, so that binding one changes none.
+    BindVertexArray(0);
+    glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, buffer.gl_name);
+}
+
 std::shared_ptr<GpuBuffer> GLRenderer::NewBuffer() { return std::make_shared<GLBuffer>(releaser_); }
 
 std::uint32_t GLRenderer::GetBufferSize(const GpuBuffer& buffer) { return static_cast<const GLBuffer&>(buffer).size; }
@@ -57,9 +68,7 @@ void GLRenderer::CreateBuffer(GpuBuffer& buffer, const void* data, std::uint32_t
     gl_buffer.usage = usage == kDynamicBuffer ? GL_DYNAMIC_DRAW : GL_STATIC_DRAW;
     gl_buffer.size = size;
     gl_buffer.mapped = nullptr;
-    // Index buffers are bound outside any vertex array, so that binding them changes none.
-    glBindVertexArray(0);
-    glBindBuffer(gl_buffer.target, gl_buffer.gl_name);
+    BindForWrite(gl_buffer);
     // Growing keeps the same name: vertex arrays made for it stay valid.
     glBufferData(gl_buffer.target, size, data, gl_buffer.usage);
 }
@@ -72,8 +81,7 @@ void GLRenderer::UpdateBuffer(GpuBuffer& buffer, const void* data, std::uint32_t
         return;
     // A write past the end is cut to what fits.
     size = std::min(size, gl_buffer.size - offset);
-    glBindVertexArray(0);
-    glBindBuffer(gl_buffer.target, gl_buffer.gl_name);
+    BindForWrite(gl_buffer);
     glBufferSubData(gl_buffer.target, offset, size, data);
 }
 
@@ -84,9 +92,12 @@ void* GLRenderer::MapBuffer(GpuBuffer& buffer)
     if (!gl_buffer.gl_name || gl_buffer.size == 0)
         return nullptr;
     if (!gl_buffer.mapped) {
-        glBindVertexArray(0);
-        glBindBuffer(gl_buffer.target, gl_buffer.gl_name);
-        gl_buffer.mapped = glMapBufferRange(gl_buffer.target, 0, gl_buffer.size, GL_MAP_WRITE_BIT);
+        BindForWrite(gl_buffer);
+        // A dynamic buffer is rewritten whole: giving up its old contents lets the driver hand out
+        // fresh storage instead of waiting for draws that still read the old.
+        const GLbitfield access =
+            GL_MAP_WRITE_BIT | (gl_buffer.usage == GL_DYNAMIC_DRAW ? GL_MAP_INVALIDATE_BUFFER_BIT : 0u);
+        gl_buffer.mapped = glMapBufferRange(gl_buffer.target, 0, gl_buffer.size, access);
     }
     return gl_buffer.mapped;
 }
@@ -97,8 +108,7 @@ void GLRenderer::UnmapBuffer(GpuBuffer& buffer)
     auto& gl_buffer = static_cast<GLBuffer&>(buffer);
     if (!gl_buffer.mapped)
         return;
-    glBindVertexArray(0);
-    glBindBuffer(gl_buffer.target, gl_buffer.gl_name);
+    BindForWrite(gl_buffer);
     glUnmapBuffer(gl_buffer.target);
     gl_buffer.mapped = nullptr;
 }

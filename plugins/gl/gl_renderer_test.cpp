@@ -6,6 +6,7 @@
 #include <stb_image_write.h>
 
 #include <cstring>
+#include <filesystem>
 
 #include "engine/renderer/gpu_resource_registry.h"
 #include "io/filesystem.h"
@@ -175,6 +176,7 @@ TEST_F(GLRendererLifecycle, OpensClosesAndOpensAgainWithWorkingCapabilities)
 
 TEST_F(GLRendererLifecycle, WritesTheOutputAsPng)
 {
+    std::filesystem::create_directories(NORVANE_GL_TEST_OUTPUT_DIR);
     const std::string path = std::string(NORVANE_GL_TEST_OUTPUT_DIR) + "/written_output.png";
     EXPECT_FALSE(renderer->WriteOutputPng(path));  // nothing presented yet
     renderer->Clear(Color{1, 0, 0, 1}, 1.0f, kClearAll);

@@ -6,10 +6,17 @@
 #include <libelf.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <iterator>
 #include <set>
 #include <string>
+#include <typeinfo>
+#include <vector>
 
+#include "engine/frame_renderer_factory.h"
 #include "overlay/imgui_shared_state.h"
+#include "platform/input/input_device.h"
+#include "platform/input/input_system.h"
 #include "platform/plugin/plugin_library.h"
 #include "plugins/engine_singletons.h"
 #include "plugins/plugin_context.h"
@@ -81,6 +88,92 @@ TEST_F(VRModule, AdoptsWhicheverContextItIsGiven)
     EXPECT_EQ(singletons.imgui_shared_state().context_changed.SlotCount(), 0u);
     library.unload();
     EXPECT_EQ(other.context_changed.SlotCount(), 0u);
+}
+
+const std::vector<std::string> kDeviceNames = {"HMD", "VR Controller 0", "VR Controller 1", "VR Tracker 0",
+                                               "VR Tracker 1"};
+
+std::vector<std::string> FactoryNames(const FrameRendererFactory& factory)
+{
+    std::vector<std::string> names;
+    for (const auto& [name, make] : factory)
+        names.push_back(name);
+    return names;
+}
+
+// A frame renderer of another plug-in, which the VR module must leave alone.
+class OtherFrameRenderer : public FrameRenderer {
+public:
+    bool Initialize(RenderSystem&) override { return true; }
+    void RenderFrame(RenderSystem&, LightSystem&, std::vector<std::shared_ptr<Renderable>>&,
+                     std::vector<std::shared_ptr<Component>>&) override
+    {
+    }
+    void Shutdown(RenderSystem&) override {}
+};
+
+// A device of another plug-in, which the VR module must leave alone.
+class OtherDevice : public InputDevice {
+public:
+    InputDeviceKind GetType() override { return kInputDeviceKeyboard; }
+    void Update() override {}
+};
+
+// The host's input system only lists names here: GetDevice would keep the module's devices in the
+// system beyond the unload, and their code goes with the library.
+TEST_F(VRModule, RegistersFiveDevicesAndTwoFrameRendererNamesUntilUnload)
+{
+    InputSystem& input = singletons.input_system();
+    FrameRendererFactory& factory = singletons.frame_renderer_factory();
+    input.AddDevice("keyboard", std::make_shared<OtherDevice>());
+    factory["Default"] = [] { return std::make_shared<OtherFrameRenderer>(); };
+
+    for (int round = 0; round < 2; ++round) {
+        SCOPED_TRACE(round);
+        ASSERT_EQ(library.load(MakePluginContext()), 0);
+        std::vector<std::string> expected = kDeviceNames;
+        expected.push_back("keyboard");
+        EXPECT_EQ(input.GetDeviceNames(), expected);
+        EXPECT_EQ(FactoryNames(factory), (std::vector<std::string>{"Default", "OpenVR", "VR"}));
+        {
+            // Both names make distinct instances of the same renderer, with the left eye on the
+            // window. Instances hold the module's code: they go before the unload.
+            const std::shared_ptr<FrameRenderer> vr = factory.at("VR")();
+            const std::shared_ptr<FrameRenderer> openvr = factory.at("OpenVR")();
+            ASSERT_TRUE(vr && openvr);
+            EXPECT_NE(vr, openvr);
+            EXPECT_EQ(vr->GetConfiguration("MonitoringConfiguration"), "2");
+            EXPECT_EQ(openvr->GetConfiguration("MonitoringConfiguration"), "2");
+            EXPECT_EQ(typeid(*vr), typeid(*openvr));
+            EXPECT_NE(typeid(*vr), typeid(OtherFrameRenderer));
+        }
+        library.unload();
+        EXPECT_EQ(input.GetDeviceNames(), (std::vector<std::string>{"keyboard"}));
+        EXPECT_EQ(FactoryNames(factory), (std::vector<std::string>{"Default"}));
+    }
+}
+
+TEST_F(VRModule, DevicesAreTheHeadsetControllersAndTrackersAndANameClashKeepsTheFirst)
+{
+    // An input system that goes before the library does, so the devices may be fetched.
+    InputSystem input;
+    const auto earlier = std::make_shared<OtherDevice>();
+    input.AddDevice("VR Tracker 1", earlier);
+    PluginContext context = MakePluginContext();
+    context.input_system = &input;
+    ASSERT_EQ(library.load(context), 0);
+    EXPECT_EQ(input.GetDeviceNames(), kDeviceNames);
+    EXPECT_EQ(input.GetDevice("HMD")->GetType(), kInputDeviceHeadMountedDisplay);
+    for (const char* name : {"VR Controller 0", "VR Controller 1", "VR Tracker 0"})
+        EXPECT_EQ(input.GetDevice(name)->GetType(), kInputDeviceTrackedController) << name;
+    EXPECT_EQ(input.GetDevice("VR Tracker 1"), earlier);
+    // Before any frame: the head at the identity, the controllers at zero.
+    Matrix4 zero;
+    std::fill(std::begin(zero.m), std::end(zero.m), 0.0f);
+    EXPECT_EQ(input.GetDevice("HMD")->GetMatrix(0), Matrix4::Identity());
+    EXPECT_EQ(input.GetDevice("VR Controller 1")->GetMatrix(0), zero);
+    library.unload();
+    EXPECT_TRUE(input.GetDeviceNames().empty());
 }
 
 // The names of the symbols that a shared object defines in its dynamic symbol table.

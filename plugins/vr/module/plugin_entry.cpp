@@ -4,6 +4,7 @@
 
 #include "plugins/plugin_context.h"
 #include "plugins/vr/plugin_description.h"
+#include "plugins/vr/vr_module_registration.h"
 
 #define NORVANE_PLUGIN_EXPORT extern "C" __attribute__((visibility("default")))
 
@@ -12,7 +13,12 @@ NORVANE_PLUGIN_EXPORT kesta::PluginDescription PluginGetDescription() { return k
 NORVANE_PLUGIN_EXPORT std::int32_t PluginLoad(const kesta::PluginContext& context)
 {
     kesta::AdoptPluginContext(context);
+    kesta::RegisterModule();
     return 0;
 }
 
-NORVANE_PLUGIN_EXPORT void PluginUnload() { kesta::ReleasePluginContext(); }
+NORVANE_PLUGIN_EXPORT void PluginUnload()
+{
+    kesta::UnregisterModule();
+    kesta::ReleasePluginContext();
+}

@@ -489,13 +489,16 @@ void RenderSystem::SetRenderTechnique(RenderTechnique technique, bool hdr)
         compose_target_ = MakeRenderTarget();
     std::shared_ptr<Texture> depth;
     if (technique == kTechniqueForward) {
-        if (hardware_multisample) {
+        // Only a multisample count over 1 draws into the multisampled target: ResolveMultisample,
+        // which brings its picture into the compose target, runs for those counts alone.
+        const bool multisampled = level > 0;
+        if (multisampled) {
             const auto aa = static_cast<std::uint8_t>(level);
             r.SetRenderTargetColorTexture(*output_target_, MakeFrameTexture("t_color_aa", compose_format, aa));
             r.SetRenderTargetDepthTexture(*output_target_, MakeFrameTexture("t_depth_aa", kTextureFormatDepth, aa));
         }
         depth = MakeFrameTexture("t_depth", kTextureFormatDepth, 0);
-        draw_target_ = hardware_multisample ? output_target_ : compose_target_;
+        draw_target_ = multisampled ? output_target_ : compose_target_;
     } else {
         std::shared_ptr<Texture> gbuffer[4];
         for (int i = 0; i < 4; ++i)

@@ -46,8 +46,7 @@ GLuint compile_stage(GLenum kind, const std::string& text, const std::string& sh
 
 bool is_sampler(GLenum type)
 {
-    return type == GL_SAMPLER_2D || type == GL_SAMPLER_3D || type == GL_SAMPLER_CUBE ||
-           type == GL_SAMPLER_2D_SHADOW;
+    return type == GL_SAMPLER_2D || type == GL_SAMPLER_3D || type == GL_SAMPLER_CUBE || type == GL_SAMPLER_2D_SHADOW;
 }
 
 // Row-major 4 by 4 from the engine's 3 by 4 transform.
@@ -192,16 +191,26 @@ void GLRenderer::SetShaderInt(ShaderVariable variable, const int* values, int co
         return;
     const GLint location = it->first;
     switch (it->second.type) {
-    case GL_INT_VEC2: glUniform2iv(location, count / 2, values); break;
-    case GL_INT_VEC3: glUniform3iv(location, count / 3, values); break;
-    case GL_INT_VEC4: glUniform4iv(location, count / 4, values); break;
-    case GL_UNSIGNED_INT: glUniform1uiv(location, count, reinterpret_cast<const GLuint*>(values)); break;
-    case GL_FLOAT: {
-        std::vector<float> floats(values, values + count);
-        glUniform1fv(location, count, floats.data());
-        break;
-    }
-    default: glUniform1iv(location, count, values); break;
+        case GL_INT_VEC2:
+            glUniform2iv(location, count / 2, values);
+            break;
+        case GL_INT_VEC3:
+            glUniform3iv(location, count / 3, values);
+            break;
+        case GL_INT_VEC4:
+            glUniform4iv(location, count / 4, values);
+            break;
+        case GL_UNSIGNED_INT:
+            glUniform1uiv(location, count, reinterpret_cast<const GLuint*>(values));
+            break;
+        case GL_FLOAT: {
+            std::vector<float> floats(values, values + count);
+            glUniform1fv(location, count, floats.data());
+            break;
+        }
+        default:
+            glUniform1iv(location, count, values);
+            break;
     }
 }
 
@@ -212,13 +221,26 @@ void GLRenderer::UploadFloats(GLint location, const float* values, int float_cou
         return;
     // The engine's matrices are row-major: GL transposes them on upload.
     switch (it->second.type) {
-    case GL_FLOAT: glUniform1fv(location, float_count, values); break;
-    case GL_FLOAT_VEC2: glUniform2fv(location, float_count / 2, values); break;
-    case GL_FLOAT_VEC3: glUniform3fv(location, float_count / 3, values); break;
-    case GL_FLOAT_VEC4: glUniform4fv(location, float_count / 4, values); break;
-    case GL_FLOAT_MAT3: glUniformMatrix3fv(location, float_count / 9, GL_TRUE, values); break;
-    case GL_FLOAT_MAT4: glUniformMatrix4fv(location, float_count / 16, GL_TRUE, values); break;
-    default: break;
+        case GL_FLOAT:
+            glUniform1fv(location, float_count, values);
+            break;
+        case GL_FLOAT_VEC2:
+            glUniform2fv(location, float_count / 2, values);
+            break;
+        case GL_FLOAT_VEC3:
+            glUniform3fv(location, float_count / 3, values);
+            break;
+        case GL_FLOAT_VEC4:
+            glUniform4fv(location, float_count / 4, values);
+            break;
+        case GL_FLOAT_MAT3:
+            glUniformMatrix3fv(location, float_count / 9, GL_TRUE, values);
+            break;
+        case GL_FLOAT_MAT4:
+            glUniformMatrix4fv(location, float_count / 16, GL_TRUE, values);
+            break;
+        default:
+            break;
     }
 }
 
@@ -278,29 +300,41 @@ void GLRenderer::SetShaderValues(const ShaderVariableTable& table, const ShaderV
         if (!handle.IsValid())
             continue;
         switch (variable.type) {
-        case ShaderType::kInt:
-        case ShaderType::kUint32: SetShaderInt(handle, value.ints[0].data(), 1); break;
-        case ShaderType::kFloat: SetShaderFloat(handle, value.floats[0].data(), 1); break;
-        case ShaderType::kVec2: SetShaderFloat(handle, value.floats[0].data(), 2); break;
-        case ShaderType::kVec3: SetShaderFloat(handle, value.floats[0].data(), 3); break;
-        case ShaderType::kVec4: SetShaderFloat(handle, value.floats[0].data(), 4); break;
-        case ShaderType::kMat3: {
-            float rows[9];
-            for (int r = 0; r < 3; ++r)
-                for (int c = 0; c < 3; ++c)
-                    rows[r * 3 + c] = value.floats[r][c];
-            SetShaderFloat(handle, rows, 9);
-            break;
-        }
-        case ShaderType::kMat4: SetShaderFloat(handle, value.floats[0].data(), 16); break;
-        default:
-            if (IsTextureShaderType(variable.type) && !value.texture_path.empty()) {
-                std::shared_ptr<Texture> texture = LoadTexture(value.texture_path, true);
-                if (texture)
-                    texture->SetTextureUnitConfig(value.texture_unit);
-                SetShaderTexture(handle, texture);
+            case ShaderType::kInt:
+            case ShaderType::kUint32:
+                SetShaderInt(handle, value.ints[0].data(), 1);
+                break;
+            case ShaderType::kFloat:
+                SetShaderFloat(handle, value.floats[0].data(), 1);
+                break;
+            case ShaderType::kVec2:
+                SetShaderFloat(handle, value.floats[0].data(), 2);
+                break;
+            case ShaderType::kVec3:
+                SetShaderFloat(handle, value.floats[0].data(), 3);
+                break;
+            case ShaderType::kVec4:
+                SetShaderFloat(handle, value.floats[0].data(), 4);
+                break;
+            case ShaderType::kMat3: {
+                float rows[9];
+                for (int r = 0; r < 3; ++r)
+                    for (int c = 0; c < 3; ++c)
+                        rows[r * 3 + c] = value.floats[r][c];
+                SetShaderFloat(handle, rows, 9);
+                break;
             }
-            break;
+            case ShaderType::kMat4:
+                SetShaderFloat(handle, value.floats[0].data(), 16);
+                break;
+            default:
+                if (IsTextureShaderType(variable.type) && !value.texture_path.empty()) {
+                    std::shared_ptr<Texture> texture = LoadTexture(value.texture_path, true);
+                    if (texture)
+                        texture->SetTextureUnitConfig(value.texture_unit);
+                    SetShaderTexture(handle, texture);
+                }
+                break;
         }
     }
 }
@@ -379,7 +413,9 @@ void GLRenderer::UploadBuiltins(GLShader& shader)
         shader.matrices_uploaded = current;
         shader.matrices_valid = true;
         const Matrix44 model = Matrix44::FromMatrix4(GetModelMatrix());
-        const Matrix44 view = Matrix44::FromMatrix4(GetViewMatrix());
+        // The renderer's view matrix is the camera's world matrix; shaders take the transform from
+        // world to view space, its inverse, as vViewMatrix and in every product.
+        const Matrix44 view = Matrix44::FromMatrix4(GetInverseViewMatrix());
         const Matrix44& projection = GetProjectionMatrix();
         const Matrix44 model_view = view * model;
         const Matrix44 view_projection = projection * view;
@@ -394,7 +430,7 @@ void GLRenderer::UploadBuiltins(GLShader& shader)
         upload(S::kInverseModelMatrix, Matrix44::FromMatrix4(GetModelMatrix().Inverse()));
         upload(S::kNormalMatrix, Matrix44::FromMatrix4(GetNormalMatrix()));
         upload(S::kViewMatrix, view);
-        upload(S::kInverseViewMatrix, Matrix44::FromMatrix4(GetInverseViewMatrix()));
+        upload(S::kInverseViewMatrix, Matrix44::FromMatrix4(GetViewMatrix()));
         upload(S::kModelViewMatrix, model_view);
         upload(S::kNormalViewMatrix, view * Matrix44::FromMatrix4(GetNormalMatrix()));
         upload(S::kProjectionMatrix, projection);
@@ -402,7 +438,7 @@ void GLRenderer::UploadBuiltins(GLShader& shader)
         upload(S::kModelViewProjectionMatrix, projection * model_view);
         upload(S::kInverseViewProjectionMatrix, view_projection.Inverse());
         if (has(S::kInverseViewProjectionMatrixAtOrigin)) {
-            Matrix4 rotation_only = GetViewMatrix();
+            Matrix4 rotation_only = GetInverseViewMatrix();
             rotation_only.SetTranslation({});
             upload(S::kInverseViewProjectionMatrixAtOrigin,
                    (projection * Matrix44::FromMatrix4(rotation_only)).Inverse());
@@ -420,8 +456,8 @@ void GLRenderer::UploadBuiltins(GLShader& shader)
         }
     };
     upload4(S::kPreviousModelMatrix, previous_model_);
-    upload4(S::kPreviousViewMatrix, GetPreviousViewMatrix());
-    upload4(S::kInversePreviousViewMatrix, GetPreviousInverseViewMatrix());
+    upload4(S::kPreviousViewMatrix, GetPreviousInverseViewMatrix());
+    upload4(S::kInversePreviousViewMatrix, GetPreviousViewMatrix());
     if (has(S::kBoneMatrix) && !bone_matrices_.empty())
         glUniformMatrix4fv(location(S::kBoneMatrix), static_cast<GLsizei>(bone_matrices_.size() / 16), GL_TRUE,
                            bone_matrices_.data());

@@ -13,6 +13,7 @@
 #include "foundation/math/projection.h"
 #include "foundation/profiler/profiler.h"
 #include "foundation/task/task_system.h"
+#include "platform/input/input_system.h"
 #include "platform/plugin/plugin_system.h"
 #include "plugins/engine_singletons.h"
 
@@ -177,6 +178,8 @@ void ViewerSession::Stop()
         engine_.tasks().wait_for_all();
     }
     if (modules_loaded_) {
+        // The VR devices the scene asked for are code of the VR module.
+        engine_.input_system().CloseOpenDevices();
         engine_.plugin_system().UnloadPlugins();
         modules_loaded_ = false;
     }

@@ -256,6 +256,9 @@ void RenderSystem::SetView(const Matrix4& view, const Matrix4& previous_view, co
 void RenderSystem::BeginDrawFrame()
 {
     ProfileSection section("RenderSystem.BeginDrawFrame");
+    // Whoever bound a target before the frame (an eye of a headset, say) gets the frame there.
+    frame_output_target_ = renderer_ ? renderer_->GetCurrentRenderTarget() : nullptr;
+    has_output_target_ = frame_output_target_ != nullptr;
     statistics_ = RenderFrameStatistics{};
     statistics_.start = time_now();
     clock_ += kFrameDuration;
@@ -367,15 +370,12 @@ void RenderSystem::EmitEndRenderPassSignal(std::uint8_t list)
     end_render_pass_signal.Emit(list);
 }
 
-void RenderSystem::EndDrawFrame() { EndDrawFrame(nullptr); }
-
-void RenderSystem::EndDrawFrame(const std::shared_ptr<RenderTarget>& output_target)
+void RenderSystem::EndDrawFrame()
 {
     ProfileSection section("RenderSystem.EndDrawFrame");
     if (!renderer_)
         return;
     Renderer& r = *renderer_;
-    has_output_target_ = output_target != nullptr;
     if (compose_target_)
         r.SetRenderTargetColorTexture(*compose_target_, current_output_texture_);
     r.SetRenderTarget(compose_target_);
@@ -384,9 +384,10 @@ void RenderSystem::EndDrawFrame(const std::shared_ptr<RenderTarget>& output_targ
     frame_complete_signal.Emit();
 
     if (has_output_target_)
-        ComposeToTarget(output_target);
+        ComposeToTarget(frame_output_target_);
     else
         ComposeToWindow();
+    frame_output_target_.reset();
 
     r.SetDepthWrite(true);
     r.SetDepthTest(true);
@@ -401,7 +402,7 @@ void RenderSystem::ComposeToWindow()
     // The frame fills the part of the internal-resolution textures that the viewport covers.
     const float width = frame_width_ > 0 ? static_cast<float>(frame_width_) : 1.0f;
     const float height = frame_height_ > 0 ? static_cast<float>(frame_height_) : 1.0f;
-    const Rect uv{viewport.x1 / width, viewport.y1 / height, viewport.x2 / width, viewport.y2 / height};
+    const Vector2 uv_scale{(viewport.x2 - viewport.x1) / width, (viewport.y2 - viewport.y1) / height};
     r.ResetRenderTarget();
     r.SetDepthTest(false);
     r.SetDepthWrite(false);
@@ -409,7 +410,7 @@ void RenderSystem::ComposeToWindow()
     if (!current_output_texture_ || !r.SetShader(core_shaders_[kShaderSingleTexture2D]))
         return;
     r.SetShaderTexture(r.GetShaderVariable("u_tex"), current_output_texture_);
-    DrawFullscreenQuad(uv);
+    DrawFullscreenQuad(uv_scale);
 }
 
 void RenderSystem::ComposeToTarget(const std::shared_ptr<RenderTarget>& target)
@@ -677,8 +678,9 @@ void RenderSystem::DrawSprite(const Rect& rect, const Rect& uv, const Color& col
     DrawImmediate(vertices, color, texture, kTriangles);
 }
 
-void RenderSystem::DrawFullscreenQuad(const Rect& uv)
+void RenderSystem::DrawFullscreenQuad(const Vector2& uv_scale)
 {
+    const Rect uv{0, 0, uv_scale.x, uv_scale.y};
     if (!renderer_ || !quad_vertex_buffer_)
         return;
     Renderer& r = *renderer_;

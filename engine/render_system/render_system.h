@@ -161,9 +161,9 @@ public:
                                 const std::shared_ptr<RenderTarget>& target);
     void ResolveMultisample();
     void ApplyPostProcesses(std::vector<std::shared_ptr<Component>>& post_processes);
-    // Composes the frame into the window, or into `output_target` when one is given.
+    // Copies the frame into the render target that was current when BeginDrawFrame was called,
+    // or into the window when none was.
     void EndDrawFrame();
-    void EndDrawFrame(const std::shared_ptr<RenderTarget>& output_target);
     // Fires end-of-render-pass for `list` (one of RenderList).
     void EmitEndRenderPassSignal(std::uint8_t list);
 
@@ -193,8 +193,9 @@ public:
     // A rectangle in the z = 0 plane, textured with `uv`.
     void DrawSprite(const Rect& rect, const Rect& uv, const Color& color,
                     const std::shared_ptr<Texture>& texture = nullptr);
-    // A quad over the whole viewport with identity matrices and the bound shader.
-    void DrawFullscreenQuad(const Rect& uv);
+    // A quad over the whole viewport with identity matrices and the bound shader, sampling UVs
+    // from (0, 0) to `uv_scale`.
+    void DrawFullscreenQuad(const Vector2& uv_scale);
     // Draws each display list with the bound shader and its default values.
     void DrawGeometrySimple(const std::vector<GeometryDisplayList>& display_lists);
 
@@ -318,6 +319,8 @@ private:
     time_ns clock_ = 0;
     VertexLayout default_vertex_layout_;
     bool has_output_target_ = false;
+    // The target current at BeginDrawFrame, where EndDrawFrame puts the frame.
+    std::shared_ptr<RenderTarget> frame_output_target_;
     std::uint8_t eye_ = kEyeMono;
     Frustum frustum_;
     Matrix4 view_;

@@ -126,9 +126,4 @@ void RenderSystemAsync::EndDrawFrame()
     Post(tasks_, [&rs = render_system_] { rs.EndDrawFrame(); });
 }
 
-void RenderSystemAsync::EndDrawFrame(std::shared_ptr<RenderTarget> output_target)
-{
-    Post(tasks_, [&rs = render_system_, target = std::move(output_target)] { rs.EndDrawFrame(target); });
-}
-
 }  // namespace kesta

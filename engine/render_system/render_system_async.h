@@ -39,7 +39,6 @@ public:
     void ResolveMultisample();
     void ApplyPostProcesses(std::vector<std::shared_ptr<Component>> post_processes);
     void EndDrawFrame();
-    void EndDrawFrame(std::shared_ptr<RenderTarget> output_target);
 
     RenderSystem& GetRenderSystem() { return render_system_; }
 

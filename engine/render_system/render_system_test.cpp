@@ -261,13 +261,13 @@ TEST_F(RenderSystemInitialize, WithoutShadowMappingNoShadowTarget)
 
 class RenderSystemFrame : public RenderSystemTest {
 protected:
-    void Frame(const std::shared_ptr<RenderTarget>& output = nullptr)
+    void Frame()
     {
         render_system.BeginDrawFrame();
         render_system.DrawRenderables(renderables);
         render_system.ResolveMultisample();
         render_system.ApplyPostProcesses(post_processes);
-        render_system.EndDrawFrame(output);
+        render_system.EndDrawFrame();
     }
     // Restarts with hardware multisampling and `samples` samples.
     void RestartMultisampled(int samples)
@@ -363,17 +363,53 @@ TEST_F(RenderSystemFrame, EndWithoutOutputTargetComposesIntoTheWindow)
     EXPECT_EQ(render_system.GetComposeTarget()->color_textures[0], render_system.GetCurrentOutputTexture());
 }
 
-TEST_F(RenderSystemFrame, EndWithOutputTargetBlitsIntoIt)
+TEST_F(RenderSystemFrame, TargetBoundBeforeTheFrameReceivesIt)
 {
     renderer.viewport = Rect{0, 0, 100, 50};
     auto eye_target = renderer.NewRenderTarget();
+    renderer.SetRenderTarget(eye_target);
+    render_system.BeginDrawFrame();
+    // The frame drew into its own target meanwhile.
+    EXPECT_NE(renderer.GetCurrentRenderTarget(), eye_target);
     renderer.ClearCalls();
-    render_system.EndDrawFrame(eye_target);
+    render_system.EndDrawFrame();
     EXPECT_EQ(renderer.Calls(), (Strings{"SetRenderTarget(target)", "SetBlend(false)", "SetFaceCulling(false)",
                                          "BlitRenderTarget(target, target, 0,0,100,50, 0,0,100,50, true, true)",
                                          "SetRenderTarget(target)", "SetDepthTest(false)", "SetDepthWrite(false)",
                                          "SetDepthWrite(true)", "SetDepthTest(true)"}));
     EXPECT_EQ(renderer.GetCurrentRenderTarget(), eye_target);
+
+    // The next frame of the window, with no target bound, goes to the window again.
+    renderer.ResetRenderTarget();
+    render_system.BeginDrawFrame();
+    renderer.ClearCalls();
+    render_system.EndDrawFrame();
+    const Strings names = renderer.CallNames();
+    EXPECT_EQ(std::count(names.begin(), names.end(), "BlitRenderTarget"), 0);
+    EXPECT_EQ(std::count(names.begin(), names.end(), "DrawBuffers"), 1);
+}
+
+TEST_F(RenderSystemFrame, FullscreenQuadSpansClipSpaceWithTheUvScale)
+{
+    render_system.DrawFullscreenQuad(Vector2{1, 0.5f});
+    EXPECT_EQ(renderer.Calls(), (Strings{"UpdateBuffer(0, 80)", "SetIndexSource(buffer)", "SetVertexSource(buffer, 20)",
+                                         "SetShaderSystemBuiltins(0, 1280x720, 2, true)",
+                                         "SetShaderTransformationBuiltins(0)", "DrawBuffers(0, 6, 1, 0)"}));
+    EXPECT_EQ(renderer.GetViewMatrix(), Matrix4::Identity());
+    EXPECT_EQ(renderer.GetProjectionMatrix(), Matrix44::Identity());
+    const auto& bytes = BytesOf(render_system.GetQuadVertexBuffer());
+    float corner[3];
+    std::uint16_t uv[2];
+    std::memcpy(corner, bytes.data() + 2 * 20, sizeof corner);  // the third corner: top right
+    std::memcpy(uv, bytes.data() + 2 * 20 + 16, sizeof uv);
+    EXPECT_EQ(std::vector<float>(corner, corner + 3), (std::vector<float>{1, 1, 0}));
+    EXPECT_EQ(uv[0], 65535);
+    EXPECT_EQ(uv[1], 32767);
+    std::memcpy(corner, bytes.data(), sizeof corner);
+    std::memcpy(uv, bytes.data() + 16, sizeof uv);
+    EXPECT_EQ(std::vector<float>(corner, corner + 3), (std::vector<float>{-1, -1, 0}));
+    EXPECT_EQ(uv[0], 0);
+    EXPECT_EQ(uv[1], 0);
 }
 
 TEST_F(RenderSystemFrame, EndSkipsTheQuadWhenTheComposeShaderIsNotReady)

@@ -17,9 +17,12 @@ namespace {
 GLenum gl_wrap(TextureUV uv)
 {
     switch (uv) {
-    case TextureUV::kRepeat: return GL_REPEAT;
-    case TextureUV::kMirror: return GL_MIRRORED_REPEAT;
-    case TextureUV::kClamp: break;
+        case TextureUV::kRepeat:
+            return GL_REPEAT;
+        case TextureUV::kMirror:
+            return GL_MIRRORED_REPEAT;
+        case TextureUV::kClamp:
+            break;
     }
     return GL_CLAMP_TO_EDGE;
 }
@@ -143,8 +146,8 @@ std::shared_ptr<Texture> GLRenderer::NewShadowMap(int width, int height, const s
 }
 
 void GLRenderer::CreateTexture(Texture& texture, const void* data, std::uint32_t size, int width, int height,
-                               TextureFormat texture_format, std::uint8_t anti_aliasing, TextureUsage, bool mipmapped,
-                               int)
+                               TextureFormat texture_format, std::uint8_t anti_aliasing, TextureUsage usage,
+                               bool mipmapped, int)
 {
     AssertRenderThread();
     auto& gl_texture = static_cast<GLTexture&>(texture);
@@ -165,7 +168,9 @@ void GLRenderer::CreateTexture(Texture& texture, const void* data, std::uint32_t
     if (!gl_texture.gl_name)
         glGenTextures(1, &gl_texture.gl_name);
     gl_texture.target = samples ? GL_TEXTURE_2D_MULTISAMPLE : GL_TEXTURE_2D;
-    gl_texture.mipmapped = mipmapped && !samples;
+    // Nothing regenerates the mip levels of a texture that is drawn into: a colour target samples
+    // its first level only, which keeps it complete (sampling an incomplete texture gives black).
+    gl_texture.mipmapped = mipmapped && !samples && usage != kTextureUsageColorTarget;
     gl_texture.config_applied = false;
     texture.width = width;
     texture.height = height;
@@ -229,8 +234,7 @@ void GLRenderer::UpdateTexture(Texture& texture, const void* data, std::uint32_t
     auto& gl_texture = static_cast<GLTexture&>(texture);
     GLTextureFormat gl_format;
     if (!gl_texture.gl_name || gl_texture.target != GL_TEXTURE_2D || !data ||
-        !GetGLTextureFormat(texture.format, gl_format) ||
-        size < level_bytes(gl_format, texture.width, texture.height))
+        !GetGLTextureFormat(texture.format, gl_format) || size < level_bytes(gl_format, texture.width, texture.height))
         return;
     glBindTexture(GL_TEXTURE_2D, gl_texture.gl_name);
     glPixelStorei(GL_UNPACK_ALIGNMENT, 1);

@@ -265,7 +265,9 @@ void GLRenderer::BindTexture(int unit, const std::shared_ptr<Texture>& texture)
 {
     glActiveTexture(GL_TEXTURE0 + static_cast<GLenum>(unit));
     auto* gl_texture = static_cast<GLTexture*>(texture.get());
-    if (!gl_texture || !gl_texture->IsReady() || !gl_texture->gl_name) {
+    // A texture made directly with CreateTexture (a render target's colour) is never marked ready
+    // by a loader: what counts is that its GL side exists and did not fail.
+    if (!gl_texture || gl_texture->IsFailed() || !gl_texture->gl_name) {
         glBindTexture(GL_TEXTURE_2D, 0);
         return;
     }

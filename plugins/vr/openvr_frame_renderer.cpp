@@ -19,7 +19,7 @@ namespace {
 constexpr char kMonitoringKey[] = "MonitoringConfiguration";
 constexpr std::uint8_t kRenderWorker = 0;
 // The whole eye texture, stretched over the window rectangle.
-constexpr Rect kFullUV{0, 0, 1, 1};
+constexpr Vector2 kFullUV{1, 1};
 constexpr float kSideBySideSplit = 0.5f;
 
 // A previous view of all zeros means there was no previous frame: motion vectors are then zero.

@@ -28,6 +28,7 @@ constexpr const char* kFrameRendererName = "VR";
 constexpr float kCameraFieldOfView = 1.5708f;
 constexpr float kCameraNear = 0.05f;
 constexpr float kCameraFar = 100.0f;
+constexpr Color kSkyColor{0.11f, 0.14f, 0.2f, 1.0f};
 
 // No light system exists yet: the scene is drawn unlit by the immediate helpers, and neither the
 // frame renderer nor the render system reads the lights of a frame without renderables. This
@@ -94,6 +95,8 @@ bool ViewerSession::OpenRenderer(std::string& error)
         error = "the render system could not start on the OpenGL renderer";
         return false;
     }
+    // An opaque evening sky behind the scene, so that the pictures need no alpha to be read.
+    render_system_->environment.clear_color_value = kSkyColor;
     return true;
 }
 

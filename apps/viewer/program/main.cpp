@@ -135,7 +135,7 @@ void PrintSummary(const kesta::ViewerOptions& options, const kesta::VRRuntimeCho
     }
     const kesta::time_ns mean = result.frame_times.Mean();
     std::printf("  frames         %llu, %s\n", static_cast<unsigned long long>(result.frame_times.Count()),
-                options.unpaced ? "unpaced" : "paced by the runtime");
+                options.unpaced && !runtime.user_runtime ? "unpaced" : "paced by the runtime");
     std::printf("  frame time     mean %.2f ms (%.1f frames per second), 99th percentile %.2f ms\n", Milliseconds(mean),
                 mean > 0 ? 1e9 / static_cast<double>(mean) : 0.0, Milliseconds(result.frame_times.Percentile(99.0)));
     for (const std::string& device : result.devices)

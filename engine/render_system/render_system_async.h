@@ -2,7 +2,8 @@
 // The thread-safe twin of RenderSystem: each operation is queued to the render worker (worker 0 of
 // the task system) and runs there in the order queued, whatever thread queued it. Operations whose
 // caller may want to wait return a future; frame operations return nothing. Arguments are copied
-// into the queued call.
+// into the queued call. A call made on the render worker itself runs at once, like any deferred
+// call pinned to the calling worker.
 
 #include <cstdint>
 #include <future>

@@ -5,6 +5,7 @@
 #include <thread>
 #include "engine/renderer/testing/renderer_test_environment.h"
 
+#include "foundation/task/future_call.h"
 #include "foundation/task/task_system.h"
 
 namespace kesta {
@@ -156,6 +157,11 @@ TEST_F(RendererShaders, ShaderDroppedOnAnotherThreadIsFreedOnTheRenderWorker)
     auto shader = renderer.LoadShaderFromSource("threaded", kShaderText, false);
     // Parsed at once, but created by a call queued to the render worker.
     tasks.wait_for_all();
+    // A worker lets go of a finished task (here: the creation call, which holds the shader) only
+    // when it takes its next one: one more call through worker 0 makes `shader` the last owner.
+    run_call_with_return_value<void>(
+        tasks, [] {}, 0)
+        .get();
     EXPECT_TRUE(shader->IsReady());
     std::weak_ptr<GpuShader> watch = shader;
     renderer.ClearCalls();

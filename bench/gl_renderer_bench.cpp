@@ -1,7 +1,8 @@
 // The OpenGL back end on Mesa's software rasteriser, headless: the CPU cost our layers add to a
 // draw, against a hand-written GL loop doing the same work (10,000 single-triangle draws a frame,
-// each one buffer update and one indexed draw, same state), and the time of a VR-sized frame of two
-// 1512 x 1680 clears and compositions.
+// each one buffer update and one indexed draw, same state), measured through the RenderSystem's
+// immediate helpers and through the Renderer contract alone; and the time of a VR-sized frame of
+// two 1512 x 1680 clears and compositions.
 
 #include <benchmark/benchmark.h>
 
@@ -10,9 +11,11 @@
 #include <memory>
 #include <vector>
 
+#include "engine/render_system/render_system.h"
+#include "engine/renderer/renderer.h"
 #include "engine/vertex_layout.h"
 #include "plugins/engine_singletons.h"
-#include "plugins/gl/gl_renderer.h"
+#include "plugins/gl/gl_renderer_factory.h"
 #include "plugins/gl/testing/raw_gl_triangle_loop.h"
 
 namespace kesta {
@@ -24,14 +27,13 @@ constexpr int kTrianglesPerFrame = 10000;
 struct OpenRenderer {
     explicit OpenRenderer(int width, int height)
     {
-        renderer = std::static_pointer_cast<GLRenderer>(AdoptRenderer(std::make_shared<GLRenderer>()));
-        renderer->SetOutputSize(width, height);
+        renderer = MakeGLRenderer(width, height);
         renderer->Open();
     }
     ~OpenRenderer() { renderer->Close(); }
 
     EngineSingletons singletons;
-    std::shared_ptr<GLRenderer> renderer;
+    std::shared_ptr<Renderer> renderer;
 };
 
 // Small triangles spread over the output, one colour each: 48 bytes a triangle.
@@ -72,12 +74,50 @@ void BM_RawGLTriangles(benchmark::State& state)
     state.SetItemsProcessed(state.iterations() * kTrianglesPerFrame);
 }
 
+// The same triangles through the RenderSystem's immediate helper, as engine code draws them.
+void BM_RenderSystemImmediateTriangles(benchmark::State& state)
+{
+    OpenRenderer open(256, 256);
+    if (!open.renderer->IsOpen()) {
+        state.SkipWithError("no OpenGL context");
+        return;
+    }
+    RenderSystem render_system;
+    if (!render_system.Initialize(open.renderer, false)) {
+        state.SkipWithError("the render system did not initialise");
+        return;
+    }
+    open.renderer->SetFaceCulling(false);
+    const auto triangles = make_triangles();
+    std::vector<Vector3> positions(static_cast<std::size_t>(kTrianglesPerFrame) * 3);
+    std::vector<Color> colors(positions.size());
+    for (std::size_t v = 0; v < positions.size(); ++v) {
+        float position[3];
+        std::memcpy(position, triangles.data() + v * 16, sizeof position);
+        positions[v] = Vector3{position[0], position[1], position[2]};
+        const std::uint8_t* colour = triangles.data() + v * 16 + 12;
+        colors[v] = Color{colour[0] / 255.0f, colour[1] / 255.0f, colour[2] / 255.0f, colour[3] / 255.0f};
+    }
+    for (auto _ : state) {
+        for (int i = 0; i < kTrianglesPerFrame; ++i) {
+            ImmediateVertices vertices;
+            vertices.positions = positions.data() + i * 3;
+            vertices.colors = colors.data() + i * 3;
+            vertices.vertex_count = 3;
+            render_system.DrawTriangle(vertices, Color{1, 1, 1, 1});
+        }
+        open.renderer->FlushRenderer();
+    }
+    render_system.Free();
+    state.SetItemsProcessed(state.iterations() * kTrianglesPerFrame);
+}
+
 // The same work through the Renderer contract: bind, update, set the sources and draw, as an
 // immediate draw helper does for each triangle.
 void BM_RendererContractTriangles(benchmark::State& state)
 {
     OpenRenderer open(256, 256);
-    GLRenderer& renderer = *open.renderer;
+    Renderer& renderer = *open.renderer;
     if (!renderer.IsOpen()) {
         state.SkipWithError("no OpenGL context");
         return;
@@ -115,7 +155,7 @@ void BM_TwoEyeClearAndComposition(benchmark::State& state)
 {
     constexpr int kWidth = 1512, kHeight = 1680;
     OpenRenderer open(64, 64);
-    GLRenderer& renderer = *open.renderer;
+    Renderer& renderer = *open.renderer;
     if (!renderer.IsOpen()) {
         state.SkipWithError("no OpenGL context");
         return;
@@ -160,6 +200,7 @@ void BM_TwoEyeClearAndComposition(benchmark::State& state)
 }
 
 BENCHMARK(BM_RawGLTriangles)->Unit(benchmark::kMillisecond)->UseRealTime()->MinTime(2.0);
+BENCHMARK(BM_RenderSystemImmediateTriangles)->Unit(benchmark::kMillisecond)->UseRealTime()->MinTime(2.0);
 BENCHMARK(BM_RendererContractTriangles)->Unit(benchmark::kMillisecond)->UseRealTime()->MinTime(2.0);
 BENCHMARK(BM_TwoEyeClearAndComposition)->Unit(benchmark::kMillisecond)->UseRealTime()->MinTime(2.0);
 

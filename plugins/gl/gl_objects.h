@@ -10,6 +10,7 @@
 #include <memory>
 #include <string>
 #include <unordered_map>
+#include <vector>
 
 #include "engine/renderer/gpu_objects.h"
 #include "engine/renderer/shader/shader_builtins.h"
@@ -61,6 +62,10 @@ public:
     GLenum usage = GL_STATIC_DRAW;
     std::uint32_t size = 0;
     void* mapped = nullptr;
+    // Where a mapped dynamic buffer is written. While `staged` is set this copy is the buffer's
+    // content and each draw sends GL the part of it that it reads.
+    std::vector<std::uint8_t> staging;
+    bool staged = false;
 
 private:
     std::weak_ptr<GLObjectReleaser> releaser_;

@@ -2,6 +2,7 @@
 
 #include "engine/renderer/renderer_factory.h"
 #include "plugins/gl/gl_renderer.h"
+#include "plugins/gl/gl_renderer_factory.h"
 
 namespace kesta {
 
@@ -22,15 +23,22 @@ constexpr const char* kToolchain =
 PluginDescription GLPluginDescription()
 {
     return PluginDescription{
-        kPluginApiVersion, kGLRendererName,  "1.0.0", "OpenGL 3.3 renderer (headless through EGL)",
-        kPluginHostVersion, kToolchain, kPluginBuildFlagTested,
+        kPluginApiVersion,
+        kGLRendererName,
+        "1.0.0",
+        "OpenGL 3.3 renderer (headless through EGL)",
+        kPluginHostVersion,
+        kToolchain,
+        kPluginBuildFlagTested,
     };
 }
 
 void RegisterGLRenderer()
 {
     if (g_renderer_factory_table)
-        (*g_renderer_factory_table)[kGLRendererName] = [] { return AdoptRenderer(std::make_shared<GLRenderer>()); };
+        (*g_renderer_factory_table)[kGLRendererName] = [] {
+            return MakeGLRenderer(GLRenderer::kDefaultOutputWidth, GLRenderer::kDefaultOutputHeight);
+        };
 }
 
 void UnregisterGLRenderer()

@@ -19,10 +19,14 @@ namespace {
 GLenum gl_depth_func(DepthFunc function)
 {
     switch (function) {
-    case kDepthLess: return GL_LESS;
-    case kDepthLessEqual: return GL_LEQUAL;
-    case kDepthGreater: return GL_GREATER;
-    case kDepthAlways: return GL_ALWAYS;
+        case kDepthLess:
+            return GL_LESS;
+        case kDepthLessEqual:
+            return GL_LEQUAL;
+        case kDepthGreater:
+            return GL_GREATER;
+        case kDepthAlways:
+            return GL_ALWAYS;
     }
     // The remaining codes follow GL's order from GL_NEVER.
     return GL_NEVER + std::min<GLenum>(function, 7);
@@ -31,9 +35,12 @@ GLenum gl_depth_func(DepthFunc function)
 GLenum gl_blend_factor(BlendFactor factor)
 {
     switch (factor) {
-    case kBlendOne: return GL_ONE;
-    case kBlendSourceAlpha: return GL_SRC_ALPHA;
-    case kBlendOneMinusSourceAlpha: return GL_ONE_MINUS_SRC_ALPHA;
+        case kBlendOne:
+            return GL_ONE;
+        case kBlendSourceAlpha:
+            return GL_SRC_ALPHA;
+        case kBlendOneMinusSourceAlpha:
+            return GL_ONE_MINUS_SRC_ALPHA;
     }
     return GL_ZERO;
 }
@@ -84,8 +91,8 @@ bool GLRenderer::OpenBackEnd()
     }
     gl_thread_ = std::this_thread::get_id();
     if (epoxy_gl_version() < 33) {
-        error(format("OpenGL 3.3 is required, the context offers %1.%2") << epoxy_gl_version() / 10
-                                                                         << epoxy_gl_version() % 10);
+        error(format("OpenGL 3.3 is required, the context offers %1.%2")
+              << epoxy_gl_version() / 10 << epoxy_gl_version() % 10);
         context_.reset();
         return false;
     }
@@ -158,9 +165,15 @@ void GLRenderer::InstallDebugOutput()
         [](GLenum, GLenum, GLuint, GLenum severity, GLsizei length, const GLchar* message, const void*) {
             const std::string text = "OpenGL: " + std::string(message, length > 0 ? length : std::strlen(message));
             switch (severity) {
-            case GL_DEBUG_SEVERITY_HIGH: error(text); break;
-            case GL_DEBUG_SEVERITY_MEDIUM: warn(text); break;
-            default: debug(text); break;
+                case GL_DEBUG_SEVERITY_HIGH:
+                    error(text);
+                    break;
+                case GL_DEBUG_SEVERITY_MEDIUM:
+                    warn(text);
+                    break;
+                default:
+                    debug(text);
+                    break;
             }
         },
         nullptr);
@@ -415,8 +428,8 @@ void GLRenderer::BlitRenderTarget(const std::shared_ptr<RenderTarget>& source,
     glBindFramebuffer(GL_READ_FRAMEBUFFER, read);
     glBindFramebuffer(GL_DRAW_FRAMEBUFFER, draw);
     glDisable(GL_SCISSOR_TEST);
-    const bool same_size = source_rect.Width() == destination_rect.Width() &&
-                           source_rect.Height() == destination_rect.Height();
+    const bool same_size =
+        source_rect.Width() == destination_rect.Width() && source_rect.Height() == destination_rect.Height();
     // Depth may only be copied unfiltered.
     glBlitFramebuffer(to_int(source_rect.x1), to_int(source_rect.y1), to_int(source_rect.x2), to_int(source_rect.y2),
                       to_int(destination_rect.x1), to_int(destination_rect.y1), to_int(destination_rect.x2),
@@ -434,16 +447,19 @@ CapabilityValue GLRenderer::GetCapability(int query)
     GLint max_samples = 0;
     glGetIntegerv(GL_MAX_SAMPLES, &max_samples);
     switch (query) {
-    case kCapabilityHardwareMultisample: return max_samples >= 2;
-    // Float colour targets can be rendered to and blended: core in 3.3.
-    case kCapabilitySecondary: return true;
-    case kCapabilityMaxAntiAliasing: {
-        std::uint8_t level = 0;
-        while (level < 4 && (2 << level) <= max_samples)
-            ++level;
-        return level;
-    }
-    default: return Renderer::GetCapability(query);
+        case kCapabilityHardwareMultisample:
+            return max_samples >= 2;
+        // Float colour targets can be rendered to and blended: core in 3.3.
+        case kCapabilitySecondary:
+            return true;
+        case kCapabilityMaxAntiAliasing: {
+            std::uint8_t level = 0;
+            while (level < 4 && (2 << level) <= max_samples)
+                ++level;
+            return level;
+        }
+        default:
+            return Renderer::GetCapability(query);
     }
 }
 
@@ -519,8 +535,7 @@ void GLRenderer::SetViewport(const Rect& rect)
     AssertRenderThread();
     viewport_ = rect;
     ++builtins_generation_;
-    glViewport(to_int(rect.x1), to_int(rect.y1), std::max(0, to_int(rect.Width())),
-               std::max(0, to_int(rect.Height())));
+    glViewport(to_int(rect.x1), to_int(rect.y1), std::max(0, to_int(rect.Width())), std::max(0, to_int(rect.Height())));
 }
 
 Rect GLRenderer::GetViewport() { return viewport_; }
@@ -554,6 +569,7 @@ void GLRenderer::SetVertexSource(const std::shared_ptr<GpuBuffer>& buffer, const
 {
     AssertRenderThread();
     vertex_source_ = std::static_pointer_cast<GLBuffer>(buffer);
+    vertex_stride_ = layout.GetStride();
     if (!vertex_source_ || !vertex_source_->gl_name) {
         vertex_array_ = 0;
         return;
@@ -619,11 +635,45 @@ void GLRenderer::BindArrayBuffer(GLuint buffer)
     bound_array_buffer_ = buffer;
 }
 
-bool GLRenderer::PrepareDraw()
+bool GLRenderer::PrepareDraw(IndexType index_type, std::uint32_t index_count, std::uint32_t first_index)
 {
     AssertRenderThread();
+    draw_range_known_ = false;
     if (!bound_shader_ || !vertex_array_ || !index_source_ || !index_source_->gl_name)
         return false;
+    if (index_source_->staged || vertex_source_->staged) {
+        const std::uint32_t index_size = index_type == kIndex16 ? 2u : 4u;
+        // The vertices a draw reads are known when its indices are in staging memory.
+        std::uint32_t first_vertex = ~0u, last_vertex = 0;
+        bool vertex_range_known = index_source_->staged;
+        if (vertex_range_known) {
+            const std::uint64_t end = (std::uint64_t{first_index} + index_count) * index_size;
+            vertex_range_known = end <= index_source_->size;
+            for (std::uint32_t i = 0; vertex_range_known && i < index_count; ++i) {
+                const std::uint8_t* at = index_source_->staging.data() + (std::size_t{first_index} + i) * index_size;
+                std::uint32_t index = 0;
+                if (index_type == kIndex16) {
+                    std::uint16_t short_index;
+                    std::memcpy(&short_index, at, 2);
+                    index = short_index;
+                } else {
+                    std::memcpy(&index, at, 4);
+                }
+                first_vertex = std::min(first_vertex, index);
+                last_vertex = std::max(last_vertex, index);
+            }
+            // Told the range, GL need not read the indices back to find it.
+            draw_range_known_ = vertex_range_known && index_count > 0;
+            draw_first_vertex_ = first_vertex;
+            draw_last_vertex_ = last_vertex;
+            UploadStaged(*index_source_, (first_index + index_count) * index_size);
+        }
+        if (vertex_source_->staged) {
+            const std::uint64_t bytes = (std::uint64_t{last_vertex} + 1) * vertex_stride_;
+            UploadStaged(*vertex_source_,
+                         vertex_range_known && bytes < vertex_source_->size ? static_cast<std::uint32_t>(bytes) : 0);
+        }
+    }
     BindVertexArray(vertex_array_);
     if (bound_index_buffer_ != index_source_->gl_name) {
         glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, index_source_->gl_name);
@@ -636,19 +686,25 @@ bool GLRenderer::PrepareDraw()
 void GLRenderer::DrawBuffers(IndexType index_type, std::uint32_t index_count, PrimitiveType primitive,
                              std::uint32_t first_index)
 {
-    if (!PrepareDraw())
+    if (!PrepareDraw(index_type, index_count, first_index))
         return;
     const std::uintptr_t offset = first_index * (index_type == kIndex16 ? 2u : 4u);
-    glDrawElements(primitive == kLines ? GL_LINES : GL_TRIANGLES, static_cast<GLsizei>(index_count),
-                   index_type == kIndex16 ? GL_UNSIGNED_SHORT : GL_UNSIGNED_INT, reinterpret_cast<const void*>(offset));
+    const GLenum mode = primitive == kLines ? GL_LINES : GL_TRIANGLES;
+    const GLenum type = index_type == kIndex16 ? GL_UNSIGNED_SHORT : GL_UNSIGNED_INT;
+    if (draw_range_known_)
+        glDrawRangeElements(mode, draw_first_vertex_, draw_last_vertex_, static_cast<GLsizei>(index_count), type,
+                            reinterpret_cast<const void*>(offset));
+    else
+        glDrawElements(mode, static_cast<GLsizei>(index_count), type, reinterpret_cast<const void*>(offset));
 }
 
 void GLRenderer::DrawBuffersInstanced(const std::shared_ptr<GpuBuffer>& instances, std::uint32_t instance_count,
                                       IndexType index_type, std::uint32_t index_count, PrimitiveType primitive)
 {
     auto* instance_buffer = static_cast<GLBuffer*>(instances.get());
-    if (!instance_buffer || !instance_buffer->gl_name || !PrepareDraw())
+    if (!instance_buffer || !instance_buffer->gl_name || !PrepareDraw(index_type, index_count, 0))
         return;
+    UploadStaged(*instance_buffer, instance_count * 36 * sizeof(float));
     // A record is 36 floats: model and previous model as four columns each, then the picking id.
     constexpr GLsizei kRecordBytes = 36 * sizeof(float);
     BindArrayBuffer(instance_buffer->gl_name);

@@ -144,12 +144,15 @@ private:
     void UploadFloats(GLint location, const float* values, int float_count);
     void UploadMatrix(int semantic, const float* row_major_4x4);
     // Uploads the built-ins the bound program uses and has not seen yet; false when nothing can be drawn.
-    bool PrepareDraw();
+    bool PrepareDraw(IndexType index_type, std::uint32_t index_count, std::uint32_t first_index);
+    // Gives GL the first `size` staged bytes of a mapped dynamic buffer (all of them for 0).
+    void UploadStaged(GLBuffer& buffer, std::uint32_t size);
     void UploadBuiltins(GLShader& shader);
     void ReleaseVertexArraysOf(GLuint buffer);
     void BindVertexArray(GLuint vertex_array);
     void BindArrayBuffer(GLuint buffer);
-    void BindForWrite(const GLBuffer& buffer);
+    // Binds a buffer for writing and gives the target it is bound to.
+    GLenum BindForWrite(const GLBuffer& buffer);
     void InstallDebugOutput();
 
     GLContextFactory context_factory_;
@@ -165,6 +168,10 @@ private:
     std::shared_ptr<GLShader> bound_shader_;
     std::shared_ptr<GLBuffer> index_source_, vertex_source_;
     GLuint vertex_array_ = 0;
+    std::uint32_t vertex_stride_ = 0;
+    // The vertex range of the draw being prepared, when its indices are at hand.
+    bool draw_range_known_ = false;
+    std::uint32_t draw_first_vertex_ = 0, draw_last_vertex_ = 0;
     // What GL has bound now, so that repeated draws skip rebinding; 0 also stands for "unknown".
     GLuint bound_vertex_array_ = 0, bound_index_buffer_ = 0, bound_array_buffer_ = 0;
     std::map<VertexArrayKey, GLuint> vertex_arrays_;

@@ -71,8 +71,11 @@ TEST_F(GLRendererGolden, ColouredTrianglesInterpolateVertexColours)
     renderer->Clear(kDarkGrey, 1.0f, kClearAll);
     renderer->SetFaceCulling(false);
     ASSERT_TRUE(renderer->SetShader(CoreShader("single_color.isl")));
-    DrawColored({{-0.9f, -0.9f, 0, 255, 0, 0, 255}, {0.0f, 0.9f, 0, 0, 255, 0, 255}, {0.9f, -0.9f, 0, 0, 0, 255, 255},
-                 {-0.9f, 0.9f, 0, 255, 255, 0, 255}, {-0.5f, 0.9f, 0, 255, 255, 0, 255},
+    DrawColored({{-0.9f, -0.9f, 0, 255, 0, 0, 255},
+                 {0.0f, 0.9f, 0, 0, 255, 0, 255},
+                 {0.9f, -0.9f, 0, 0, 0, 255, 255},
+                 {-0.9f, 0.9f, 0, 255, 255, 0, 255},
+                 {-0.5f, 0.9f, 0, 255, 255, 0, 255},
                  {-0.9f, 0.5f, 0, 255, 255, 0, 255}},
                 {0, 1, 2, 3, 4, 5});
     const Picture picture = Present();
@@ -119,7 +122,8 @@ TEST_F(GLRendererGolden, AlphaBlendingMixesWithTheBackground)
     renderer->SetBlend(true);
     renderer->SetBlendFunc(kBlendSourceAlpha, kBlendOneMinusSourceAlpha);
     ASSERT_TRUE(renderer->SetShader(CoreShader("single_color.isl")));
-    DrawColored({{-0.9f, -0.9f, 0, 255, 255, 255, 128}, {-0.9f, 0.9f, 0, 255, 255, 255, 128},
+    DrawColored({{-0.9f, -0.9f, 0, 255, 255, 255, 128},
+                 {-0.9f, 0.9f, 0, 255, 255, 255, 128},
                  {0.9f, 0.9f, 0, 255, 255, 255, 128}},
                 {0, 1, 2});
     // Additive: one plus one.
@@ -138,9 +142,9 @@ TEST_F(GLRendererGolden, BackFacesAreCulledAndFrontFacesWhenAsked)
     ASSERT_TRUE(renderer->SetShader(CoreShader("single_color.isl")));
     renderer->SetFaceCulling(true);
     // The engine's front faces wind clockwise on screen: the left triangle faces the viewer.
-    const std::vector<ColoredVertex> triangles = {
-        {-0.9f, -0.5f, 0, 255, 0, 0, 255}, {-0.5f, 0.5f, 0, 255, 0, 0, 255}, {-0.1f, -0.5f, 0, 255, 0, 0, 255},
-        {0.1f, -0.5f, 0, 0, 255, 0, 255},  {0.9f, -0.5f, 0, 0, 255, 0, 255}, {0.5f, 0.5f, 0, 0, 255, 0, 255}};
+    const std::vector<ColoredVertex> triangles = {{-0.9f, -0.5f, 0, 255, 0, 0, 255}, {-0.5f, 0.5f, 0, 255, 0, 0, 255},
+                                                  {-0.1f, -0.5f, 0, 255, 0, 0, 255}, {0.1f, -0.5f, 0, 0, 255, 0, 255},
+                                                  {0.9f, -0.5f, 0, 0, 255, 0, 255},  {0.5f, 0.5f, 0, 0, 255, 0, 255}};
     renderer->Clear(kDarkGrey, 1.0f, kClearAll);
     DrawColored(triangles, {0, 1, 2, 3, 4, 5});
     Picture picture = Present();
@@ -182,8 +186,8 @@ TEST_F(GLRendererGolden, RenderTargetDrawnIntoThenSampled)
     // A target's first row is its bottom: the quad flips v to show it upright.
     renderer->DrawQuad(Rect{8, 8, 56, 56}, Rect{0, 1, 1, 0});
     const Picture picture = Present();
-    expect_pixel_near(picture, 14, 14, {255, 0, 0, 255});     // upper left: the red half
-    expect_pixel_near(picture, 50, 50, {255, 255, 0, 255});   // lower right: the clear colour
+    expect_pixel_near(picture, 14, 14, {255, 0, 0, 255});    // upper left: the red half
+    expect_pixel_near(picture, 50, 50, {255, 255, 0, 255});  // lower right: the clear colour
     expect_pixel_near(picture, 4, 4, {26, 26, 26, 255});
     EXPECT_GOLDEN(picture, "render_target");
 }
@@ -207,7 +211,8 @@ TEST_F(GLRendererGolden, MultisampleTargetResolvedByBlit)
     renderer->SetFaceCulling(false);
     renderer->SetDepthTest(false);
     ASSERT_TRUE(renderer->SetShader(CoreShader("single_color.isl")));
-    DrawColored({{-0.8f, -0.8f, 0, 255, 255, 255, 255}, {-0.3f, 0.8f, 0, 255, 255, 255, 255},
+    DrawColored({{-0.8f, -0.8f, 0, 255, 255, 255, 255},
+                 {-0.3f, 0.8f, 0, 255, 255, 255, 255},
                  {0.8f, -0.2f, 0, 255, 255, 255, 255}},
                 {0, 1, 2});
     renderer->BlitRenderTarget(source, destination, Rect{0, 0, 32, 32}, Rect{0, 0, 32, 32}, true, false);

@@ -45,15 +45,16 @@ std::uint32_t level_bytes(const GLTextureFormat& format, int width, int height)
 
 // --- buffers ---
 
-void GLRenderer::BindForWrite(const GLBuffer& buffer)
+GLenum GLRenderer::BindForWrite(const GLBuffer& buffer)
 {
     if (buffer.target == GL_ARRAY_BUFFER) {
         BindArrayBuffer(buffer.gl_name);
-        return;
+        return GL_ARRAY_BUFFER;
     }
-    // Index buffers are bound outside any vertex array, so that binding one changes none.
-    BindVertexArray(0);
-    glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, buffer.gl_name);
+    // Index buffers are written through the copy target: binding one as the element buffer would
+    // change the bound vertex array, and a vertex array change costs the driver a revalidation.
+    glBindBuffer(GL_COPY_WRITE_BUFFER, buffer.gl_name);
+    return GL_COPY_WRITE_BUFFER;
 }
 
 std::shared_ptr<GpuBuffer> GLRenderer::NewBuffer() { return std::make_shared<GLBuffer>(releaser_); }
@@ -71,9 +72,10 @@ void GLRenderer::CreateBuffer(GpuBuffer& buffer, const void* data, std::uint32_t
     gl_buffer.usage = usage == kDynamicBuffer ? GL_DYNAMIC_DRAW : GL_STATIC_DRAW;
     gl_buffer.size = size;
     gl_buffer.mapped = nullptr;
-    BindForWrite(gl_buffer);
+    gl_buffer.staged = false;
+    gl_buffer.staging.clear();
     // Growing keeps the same name: vertex arrays made for it stay valid.
-    glBufferData(gl_buffer.target, size, data, gl_buffer.usage);
+    glBufferData(BindForWrite(gl_buffer), size, data, gl_buffer.usage);
 }
 
 void GLRenderer::UpdateBuffer(GpuBuffer& buffer, const void* data, std::uint32_t offset, std::uint32_t size)
@@ -84,8 +86,12 @@ void GLRenderer::UpdateBuffer(GpuBuffer& buffer, const void* data, std::uint32_t
         return;
     // A write past the end is cut to what fits.
     size = std::min(size, gl_buffer.size - offset);
-    BindForWrite(gl_buffer);
-    glBufferSubData(gl_buffer.target, offset, size, data);
+    if (gl_buffer.staged) {
+        // The staging copy is the content: GL receives it with the next draw.
+        std::memcpy(gl_buffer.staging.data() + offset, data, size);
+        return;
+    }
+    glBufferSubData(BindForWrite(gl_buffer), offset, size, data);
 }
 
 void* GLRenderer::MapBuffer(GpuBuffer& buffer)
@@ -94,14 +100,16 @@ void* GLRenderer::MapBuffer(GpuBuffer& buffer)
     auto& gl_buffer = static_cast<GLBuffer&>(buffer);
     if (!gl_buffer.gl_name || gl_buffer.size == 0)
         return nullptr;
-    if (!gl_buffer.mapped) {
-        BindForWrite(gl_buffer);
-        // A dynamic buffer is rewritten whole: giving up its old contents lets the driver hand out
-        // fresh storage instead of waiting for draws that still read the old.
-        const GLbitfield access =
-            GL_MAP_WRITE_BIT | (gl_buffer.usage == GL_DYNAMIC_DRAW ? GL_MAP_INVALIDATE_BUFFER_BIT : 0u);
-        gl_buffer.mapped = glMapBufferRange(gl_buffer.target, 0, gl_buffer.size, access);
+    if (gl_buffer.mapped)
+        return gl_buffer.mapped;
+    if (gl_buffer.usage == GL_DYNAMIC_DRAW) {
+        // Dynamic buffers are written in CPU memory and copied on unmapping: mapping GL storage that
+        // draws read moments ago makes a software driver copy or wait on every map.
+        gl_buffer.staging.resize(gl_buffer.size);
+        gl_buffer.mapped = gl_buffer.staging.data();
+        return gl_buffer.mapped;
     }
+    gl_buffer.mapped = glMapBufferRange(BindForWrite(gl_buffer), 0, gl_buffer.size, GL_MAP_WRITE_BIT);
     return gl_buffer.mapped;
 }
 
@@ -111,9 +119,24 @@ void GLRenderer::UnmapBuffer(GpuBuffer& buffer)
     auto& gl_buffer = static_cast<GLBuffer&>(buffer);
     if (!gl_buffer.mapped)
         return;
-    BindForWrite(gl_buffer);
-    glUnmapBuffer(gl_buffer.target);
+    if (gl_buffer.mapped == gl_buffer.staging.data()) {
+        // Sent to GL by the draws that read it, each the part it reads: a small draw from a large
+        // dynamic buffer copies a few bytes, not the buffer.
+        gl_buffer.staged = true;
+    } else {
+        glUnmapBuffer(BindForWrite(gl_buffer));
+    }
     gl_buffer.mapped = nullptr;
+}
+
+void GLRenderer::UploadStaged(GLBuffer& buffer, std::uint32_t size)
+{
+    if (!buffer.staged)
+        return;
+    size = size == 0 ? buffer.size : std::min(size, buffer.size);
+    // New storage of just the bytes the draw reads: a software driver copies a busy buffer whole
+    // when part of it is written, so the GL side is kept no larger than the last draw needs.
+    glBufferSubData(BindForWrite(buffer), 0, size, buffer.staging.data());
 }
 
 void GLRenderer::FreeBuffer(GpuBuffer& buffer)
@@ -127,6 +150,8 @@ void GLRenderer::FreeBuffer(GpuBuffer& buffer)
     gl_buffer.gl_name = 0;
     gl_buffer.size = 0;
     gl_buffer.mapped = nullptr;
+    gl_buffer.staged = false;
+    gl_buffer.staging = {};
 }
 
 // --- textures ---

@@ -9,10 +9,11 @@
 #include <filesystem>
 
 #include "engine/renderer/gpu_resource_registry.h"
+#include "engine/vertex_layout.h"
 #include "io/filesystem.h"
 #include "io/memory_file_driver.h"
-#include "plugins/gl/testing/golden_image.h"
 #include "plugins/gl/testing/gl_renderer_fixture.h"
+#include "plugins/gl/testing/golden_image.h"
 
 namespace kesta::testing {
 namespace {
@@ -36,9 +37,8 @@ TEST_F(GLRendererFormats, EveryColourFormatUploadsAndReadsBackAsRGBA)
         std::array<int, 4> rgba;
     };
     const Case cases[] = {
-        {0, {10, 20, 30, 40}, {10, 20, 30, 40}},  {1, {10, 20, 30}, {10, 20, 30, 255}},
-        {2, {77}, {77, 0, 0, 255}},               {6, {30, 20, 10, 40}, {10, 20, 30, 40}},
-        {7, {30, 20, 10}, {10, 20, 30, 255}},     {8, {50, 60}, {50, 60, 0, 255}},
+        {0, {10, 20, 30, 40}, {10, 20, 30, 40}}, {1, {10, 20, 30}, {10, 20, 30, 255}}, {2, {77}, {77, 0, 0, 255}},
+        {6, {30, 20, 10, 40}, {10, 20, 30, 40}}, {7, {30, 20, 10}, {10, 20, 30, 255}}, {8, {50, 60}, {50, 60, 0, 255}},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(static_cast<int>(c.format));
@@ -137,6 +137,51 @@ TEST_F(GLRendererBuffers, MapWriteUnmapAndGrowKeepTheBufferUsable)
     EXPECT_EQ(renderer->MapBuffer(*buffer), nullptr);
 }
 
+TEST_F(GLRendererBuffers, MappedDynamicBuffersDrawWhatWasWrittenLast)
+{
+    // A buffer much larger than the draw, rewritten between draws: each draw shows its own data.
+    auto vertices = renderer->NewBuffer();
+    renderer->CreateBuffer(*vertices, nullptr, 4096, kVertexBuffer, kDynamicBuffer);
+    auto indices = renderer->NewBuffer();
+    renderer->CreateBuffer(*indices, nullptr, 1024, kIndexBuffer, kDynamicBuffer);
+    VertexLayout layout;
+    layout.AddAttribute(0, 3, VertexLayout::kFloat, false);
+    layout.AddAttribute(6, 4, VertexLayout::kUnsignedByte, true);
+    layout.End();
+    auto triangle = [&](float x1, float x2, std::uint8_t red, std::uint8_t green) {
+        const ColoredVertex corners[3] = {
+            {x1, -1, 0, red, green, 0, 255}, {x1, 1, 0, red, green, 0, 255}, {x2, 1, 0, red, green, 0, 255}};
+        std::memcpy(renderer->MapBuffer(*vertices), corners, sizeof corners);
+        renderer->UnmapBuffer(*vertices);
+        const std::uint16_t order[3] = {0, 1, 2};
+        std::memcpy(renderer->MapBuffer(*indices), order, sizeof order);
+        renderer->UnmapBuffer(*indices);
+        renderer->SetVertexSource(vertices, layout);
+        renderer->SetIndexSource(indices);
+        renderer->DrawBuffers(kIndex16, 3, kTriangles, 0);
+    };
+    renderer->Clear(Color{0, 0, 0, 1}, 1.0f, kClearAll);
+    renderer->SetFaceCulling(false);
+    ASSERT_TRUE(renderer->SetShader(CoreShader("single_color.isl")));
+    triangle(-1.0f, 0.0f, 255, 0);
+    triangle(0.0f, 1.0f, 0, 255);
+    // A write into the mapped-then-drawn buffer reaches the next draw too.
+    const ColoredVertex blue[3] = {
+        {-1, -1, 0, 0, 0, 255, 255}, {1, -1, 0, 0, 0, 255, 255}, {1, -0.5f, 0, 0, 0, 255, 255}};
+    renderer->UpdateBuffer(*vertices, blue, 0, sizeof blue);
+    renderer->DrawBuffers(kIndex16, 3, kTriangles, 0);
+    const Picture picture = Present();
+    auto at = [&](int x, int y) {
+        return picture.data[(static_cast<std::size_t>(y) * picture.width + x) * 4 + 0] * 0x10000 +
+               picture.data[(static_cast<std::size_t>(y) * picture.width + x) * 4 + 1] * 0x100 +
+               picture.data[(static_cast<std::size_t>(y) * picture.width + x) * 4 + 2];
+    };
+    EXPECT_EQ(at(2, 30), 0xff0000);   // first triangle, left half
+    EXPECT_EQ(at(34, 2), 0x00ff00);   // second, right half
+    EXPECT_EQ(at(60, 62), 0x0000ff);  // the updated one along the bottom
+    EXPECT_EQ(at(4, 40), 0xff0000);
+}
+
 using GLRendererLifecycle = GLRendererTest;
 
 TEST_F(GLRendererLifecycle, OpensClosesAndOpensAgainWithWorkingCapabilities)
@@ -219,11 +264,12 @@ variant {
     EXPECT_EQ(lines_starting(log, "error: Cannot link shader '@test/unlinked.isl': ").size(), 1u);
 
     // An unknown placeholder fails translation: the shader stays pending and is never drawn with.
-    shader = renderer->LoadShaderFromSource(
-        "@test/placeholder.isl", "variant { pixel { source %{ %out.nothing% = vec4(1); %} } }", false);
+    shader = renderer->LoadShaderFromSource("@test/placeholder.isl",
+                                            "variant { pixel { source %{ %out.nothing% = vec4(1); %} } }", false);
     EXPECT_FALSE(shader->IsReadyOrFailed());
     EXPECT_TRUE(log.Contains(
-        "error", "Cannot translate shader '@test/placeholder.isl': unknown placeholder '%out.nothing%' in the Pixel stage"));
+        "error",
+        "Cannot translate shader '@test/placeholder.isl': unknown placeholder '%out.nothing%' in the Pixel stage"));
     EXPECT_FALSE(renderer->SetShader(shader));
 }
 

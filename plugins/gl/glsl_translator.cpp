@@ -19,21 +19,35 @@ constexpr std::string_view kHelpers =
 std::string_view glsl_type(ShaderType type)
 {
     switch (type) {
-    case ShaderType::kInt: return "int";
-    case ShaderType::kUint32: return "uint";
-    case ShaderType::kFloat: return "float";
-    case ShaderType::kVec2: return "vec2";
-    case ShaderType::kVec3: return "vec3";
-    case ShaderType::kVec4: return "vec4";
-    case ShaderType::kMat3: return "mat3";
-    case ShaderType::kMat4: return "mat4";
-    case ShaderType::kTex2D: return "sampler2D";
-    case ShaderType::kTex3D: return "sampler3D";
-    case ShaderType::kTexCube: return "samplerCube";
-    case ShaderType::kTexShadow: return "sampler2DShadow";
-    // Desktop GL has no external images: they arrive as ordinary 2D textures.
-    case ShaderType::kTexExternal: return "sampler2D";
-    case ShaderType::kNone: break;
+        case ShaderType::kInt:
+            return "int";
+        case ShaderType::kUint32:
+            return "uint";
+        case ShaderType::kFloat:
+            return "float";
+        case ShaderType::kVec2:
+            return "vec2";
+        case ShaderType::kVec3:
+            return "vec3";
+        case ShaderType::kVec4:
+            return "vec4";
+        case ShaderType::kMat3:
+            return "mat3";
+        case ShaderType::kMat4:
+            return "mat4";
+        case ShaderType::kTex2D:
+            return "sampler2D";
+        case ShaderType::kTex3D:
+            return "sampler3D";
+        case ShaderType::kTexCube:
+            return "samplerCube";
+        case ShaderType::kTexShadow:
+            return "sampler2DShadow";
+        // Desktop GL has no external images: they arrive as ordinary 2D textures.
+        case ShaderType::kTexExternal:
+            return "sampler2D";
+        case ShaderType::kNone:
+            break;
     }
     return {};
 }
@@ -147,8 +161,8 @@ bool translate_stage(const Shader& shader, const ShaderVariant& variant, ShaderS
     for (const ShaderVarying& varying : variant.varyings) {
         if (glsl_type(varying.type).empty() || !declared.insert(varying.name).second)
             continue;
-        declarations += declaration(varying.direction[stage] == kVaryingOut ? "out" : "in", varying.type,
-                                    varying.name, 0);
+        declarations +=
+            declaration(varying.direction[stage] == kVaryingOut ? "out" : "in", varying.type, varying.name, 0);
     }
     const auto builtins = GetShaderBuiltins();
     for (std::size_t row = 0; row < builtins.size(); ++row) {
@@ -190,10 +204,14 @@ int GetVertexInputLocation(int builtin_row)
     if (builtin_row < 0 || builtin_row >= static_cast<int>(kShaderVertexInputCount))
         return -1;
     switch (builtin_row) {
-    case 14: return kInstanceModelMatrixLocation;
-    case 15: return kInstancePreviousModelMatrixLocation;
-    case 16: return kInstancePickingIdLocation;
-    default: return builtin_row;
+        case 14:
+            return kInstanceModelMatrixLocation;
+        case 15:
+            return kInstancePreviousModelMatrixLocation;
+        case 16:
+            return kInstancePickingIdLocation;
+        default:
+            return builtin_row;
     }
 }
 

@@ -21,7 +21,6 @@ int GetVertexInputLocation(int builtin_row);
 
 // Translates the first variant of `shader`. False, with the reason in `error`, for a shader
 // without a variant or with a placeholder that has no meaning in its stage.
-bool TranslateShaderToGlsl(const Shader& shader, std::string& vertex_text, std::string& pixel_text,
-                           std::string& error);
+bool TranslateShaderToGlsl(const Shader& shader, std::string& vertex_text, std::string& pixel_text, std::string& error);
 
 }  // namespace kesta

@@ -142,8 +142,8 @@ TEST_F(RepositoryShaders, TranslateValidateWithTheReferenceCompilerAndLink)
         const std::string stem = (output / path.stem()).string();
         std::ofstream(stem + ".vert") << vertex;
         std::ofstream(stem + ".frag") << pixel;
-        const std::string command = std::string(NORVANE_GLSLANG_VALIDATOR) + " -l " + stem + ".vert " + stem +
-                                    ".frag > " + stem + ".log 2>&1";
+        const std::string command =
+            std::string(NORVANE_GLSLANG_VALIDATOR) + " -l " + stem + ".vert " + stem + ".frag > " + stem + ".log 2>&1";
         EXPECT_EQ(std::system(command.c_str()), 0) << read_file(stem + ".log") << vertex << pixel;
 
         // The same text through the renderer's own load path: parsed, translated, compiled, linked.

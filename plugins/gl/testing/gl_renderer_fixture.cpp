@@ -38,7 +38,7 @@ void GLRendererTest::DrawColored(const std::vector<ColoredVertex>& vertices, con
 {
     static_assert(sizeof(ColoredVertex) == 16);
     VertexLayout layout;
-    layout.AddAttribute(0, 3, VertexLayout::kFloat, false);         // vPosition
+    layout.AddAttribute(0, 3, VertexLayout::kFloat, false);        // vPosition
     layout.AddAttribute(6, 4, VertexLayout::kUnsignedByte, true);  // vColor0
     layout.End();
     auto vertex_buffer = renderer->NewBuffer();

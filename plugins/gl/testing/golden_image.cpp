@@ -13,7 +13,8 @@ namespace kesta::testing {
 
 bool WritePng(const Picture& picture, const std::string& path)
 {
-    if (picture.format != kPictureRGBA8 || picture.data.size() < static_cast<std::size_t>(picture.width) * picture.height * 4)
+    if (picture.format != kPictureRGBA8 ||
+        picture.data.size() < static_cast<std::size_t>(picture.width) * picture.height * 4)
         return false;
     std::error_code ignored;
     std::filesystem::create_directories(std::filesystem::path(path).parent_path(), ignored);
@@ -43,14 +44,14 @@ bool ReadPng(const std::string& path, Picture& picture)
     Picture golden;
     if (!ReadPng(golden_path, golden)) {
         WritePng(actual, actual_path);
-        return ::testing::AssertionFailure() << "no reference picture " << golden_path << "; actual written to "
-                                             << actual_path;
+        return ::testing::AssertionFailure()
+               << "no reference picture " << golden_path << "; actual written to " << actual_path;
     }
     if (golden.width != actual.width || golden.height != actual.height) {
         WritePng(actual, actual_path);
-        return ::testing::AssertionFailure() << "size " << actual.width << "x" << actual.height << " against "
-                                             << golden.width << "x" << golden.height << "; actual written to "
-                                             << actual_path;
+        return ::testing::AssertionFailure()
+               << "size " << actual.width << "x" << actual.height << " against " << golden.width << "x" << golden.height
+               << "; actual written to " << actual_path;
     }
     Picture diff = golden;
     std::size_t stray = 0;
@@ -76,8 +77,8 @@ bool ReadPng(const std::string& path, Picture& picture)
     WritePng(actual, actual_path);
     WritePng(diff, diff_path);
     return ::testing::AssertionFailure() << name << ": " << stray << " pixels differ by more than " << tolerance.channel
-                                         << " (largest " << worst << ", " << allowed << " allowed); see "
-                                         << actual_path << " and " << diff_path;
+                                         << " (largest " << worst << ", " << allowed << " allowed); see " << actual_path
+                                         << " and " << diff_path;
 }
 
 }  // namespace kesta::testing

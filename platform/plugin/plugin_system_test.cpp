@@ -9,9 +9,7 @@
 #include <stdlib.h>
 #include <unistd.h>
 
-#include <chrono>
 #include <optional>
-#include <thread>
 
 #include "foundation/task/task_system.h"
 #include "foundation/task/testing/test_tasks.h"
@@ -252,13 +250,18 @@ TEST_F(PluginSystemTest, UnloadWaitsForQueuedTasks)
     g_task_system = &tasks;
     capture.Clear();
 
-    // The task outlasts the call that follows unless that call waits for it.
-    tasks.run_task(testing::make_task([] {
-                       std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    // The only worker is held until the queued task runs, and nothing else runs that task unless
+    // the unload waits for the task system: a waiting caller takes queued work itself.
+    testing::Blocker blocker;
+    blocker.occupy(tasks);
+    tasks.run_task(testing::make_task([&] {
                        log("task finished");
+                       blocker.release.open();
                    }),
                    nullptr, task::kAnyWorker, 0);
     plugins.UnloadPlugins();
+    blocker.release.open();
+    tasks.wait_for_all();
     EXPECT_EQ(capture.Lines(),
               (Lines{": task finished", "debug: Unloading plugin Fixture [Fixture good]", ": good.so unloaded"}));
     g_task_system = previous;

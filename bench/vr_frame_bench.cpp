@@ -26,14 +26,15 @@
 
 namespace {
 
-// Every heap allocation of the process while counting, the module's included: the module's
-// references to the allocation operators bind to this program's.
-std::atomic<bool> g_counting{false};
+// Every heap allocation of the frame's thread while counting, the module's included: the module's
+// references to the allocation operators bind to this program's. The engine's timer thread keeps
+// running meanwhile and is not the frame's.
+thread_local bool g_counting = false;
 std::atomic<std::uint64_t> g_allocations{0};
 
 void* Allocate(std::size_t size)
 {
-    if (g_counting.load(std::memory_order_relaxed))
+    if (g_counting)
         g_allocations.fetch_add(1, std::memory_order_relaxed);
     if (void* memory = std::malloc(size ? size : 1))
         return memory;
@@ -42,7 +43,7 @@ void* Allocate(std::size_t size)
 
 void* AllocateAligned(std::size_t size, std::align_val_t alignment)
 {
-    if (g_counting.load(std::memory_order_relaxed))
+    if (g_counting)
         g_allocations.fetch_add(1, std::memory_order_relaxed);
     const auto align = static_cast<std::size_t>(alignment);
     if (void* memory = std::aligned_alloc(align, (size + align - 1) / align * align))

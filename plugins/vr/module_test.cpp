@@ -144,8 +144,10 @@ TEST_F(VRModule, RegistersFiveDevicesAndTwoFrameRendererNamesUntilUnload)
             EXPECT_NE(vr, openvr);
             EXPECT_EQ(vr->GetConfiguration("MonitoringConfiguration"), "2");
             EXPECT_EQ(openvr->GetConfiguration("MonitoringConfiguration"), "2");
-            EXPECT_EQ(typeid(*vr), typeid(*openvr));
-            EXPECT_NE(typeid(*vr), typeid(OtherFrameRenderer));
+            const FrameRenderer& vr_instance = *vr;
+            const FrameRenderer& openvr_instance = *openvr;
+            EXPECT_EQ(typeid(vr_instance), typeid(openvr_instance));
+            EXPECT_NE(typeid(vr_instance), typeid(OtherFrameRenderer));
         }
         library.unload();
         EXPECT_EQ(input.GetDeviceNames(), (std::vector<std::string>{"keyboard"}));

@@ -19,7 +19,7 @@ namespace {
 constexpr char kMonitoringKey[] = "MonitoringConfiguration";
 constexpr std::uint8_t kRenderWorker = 0;
 // The whole eye texture, stretched over the window rectangle.
-constexpr Vector2 kFullUV{1, 1};
+constexpr Vector2 kFullUVScale{1, 1};
 constexpr float kSideBySideSplit = 0.5f;
 
 // A previous view of all zeros means there was no previous frame: motion vectors are then zero.
@@ -65,7 +65,7 @@ void DrawToWindow(RenderSystem& render_system, Renderer& renderer, const std::sh
     renderer.SetViewport(rect);
     const ShaderVariable variable = renderer.GetShaderVariable(kTextureVariable);
     renderer.SetShaderTexture(variable, texture);
-    render_system.DrawFullscreenQuad(kFullUV);
+    render_system.DrawFullscreenQuad(kFullUVScale);
 }
 
 }  // namespace

@@ -170,6 +170,19 @@ TEST_F(VRTrackedDevices, AnInvalidPoseKeepsTheLastMatrixWhileTheStateUpdates)
     EXPECT_TRUE(Device("VR Controller 0").IsButtonDown(128));
 }
 
+TEST_F(VRTrackedDevices, AnInvalidHeadsetPoseKeepsTheLastHeadMatrix)
+{
+    Start(Config(R"("hmd_invalid_pose": [[2, 3]], "head": {"path": "keyframes", "keyframes": [
+                    {"frame": 0, "position": [0, 1, 0]}, {"frame": 10, "position": [10, 1, 0]}]})"));
+    ASSERT_TRUE(Initialize());
+    RenderFrames(1);
+    EXPECT_EQ(Position("HMD"), (Vector3{1, 1, 0}));
+    RenderFrames(2);
+    EXPECT_EQ(Position("HMD"), (Vector3{1, 1, 0}));
+    RenderFrames(1);
+    EXPECT_EQ(Position("HMD"), (Vector3{4, 1, 0}));
+}
+
 TEST_F(VRTrackedDevices, UnsupportedMatrixCodesWarnAndGiveTheIdentity)
 {
     StartSession("[]");

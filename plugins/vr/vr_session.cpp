@@ -26,7 +26,8 @@ std::string HeadsetStringProperty(vr::IVRSystem& system, vr::ETrackedDevicePrope
     std::string text(length, '\0');
     system.GetStringTrackedDeviceProperty(vr::k_unTrackedDeviceIndex_Hmd, property, text.data(), length, &error);
     // The runtime counts and writes the terminating zero; keep the text before the first one.
-    text.resize(text.find('\0') == std::string::npos ? text.size() : text.find('\0'));
+    if (const std::size_t end = text.find('\0'); end != std::string::npos)
+        text.resize(end);
     return text;
 }
 

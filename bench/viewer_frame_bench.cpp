@@ -169,8 +169,7 @@ void BM_RawGLFrame(benchmark::State& state)
     glGenRenderbuffers(1, &depth);
     glBindRenderbuffer(GL_RENDERBUFFER, depth);
     glRenderbufferStorage(GL_RENDERBUFFER, GL_DEPTH_COMPONENT24, kEyeWidth, kEyeHeight);
-    const GLuint draw_color = MakeTexture(kEyeWidth, kEyeHeight);
-    const GLuint draw_target = MakeFramebuffer(draw_color, depth);
+    const GLuint draw_target = MakeFramebuffer(MakeTexture(kEyeWidth, kEyeHeight), depth);
     const GLuint eye_textures[2] = {MakeTexture(kEyeWidth, kEyeHeight), MakeTexture(kEyeWidth, kEyeHeight)};
     const GLuint eye_targets[2] = {MakeFramebuffer(eye_textures[0], 0), MakeFramebuffer(eye_textures[1], 0)};
     const GLuint mirror_texture = MakeTexture(kMirrorWidth, kMirrorHeight);
@@ -201,14 +200,16 @@ void BM_RawGLFrame(benchmark::State& state)
             glBindVertexArray(vao);
             glDrawArrays(GL_TRIANGLES, 0, triangle_count);
             glDrawArrays(GL_LINES, triangle_count, line_count);
-            // Into the eye texture, as a textured quad.
-            glBindFramebuffer(GL_FRAMEBUFFER, eye_targets[eye]);
-            glDisable(GL_DEPTH_TEST);
-            glUseProgram(copy_program);
-            glBindTexture(GL_TEXTURE_2D, draw_color);
-            glDrawArrays(GL_TRIANGLE_STRIP, 0, 4);
+            // Into the eye texture.
+            glBindFramebuffer(GL_READ_FRAMEBUFFER, draw_target);
+            glBindFramebuffer(GL_DRAW_FRAMEBUFFER, eye_targets[eye]);
+            glBlitFramebuffer(0, 0, kEyeWidth, kEyeHeight, 0, 0, kEyeWidth, kEyeHeight, GL_COLOR_BUFFER_BIT,
+                              GL_NEAREST);
         }
+        // Both eyes into the mirror, as textured quads.
         glBindFramebuffer(GL_FRAMEBUFFER, mirror_target);
+        glDisable(GL_DEPTH_TEST);
+        glUseProgram(copy_program);
         for (int eye = 0; eye < 2; ++eye) {
             glViewport(eye * kMirrorWidth / 2, 0, kMirrorWidth / 2, kMirrorHeight);
             glBindTexture(GL_TEXTURE_2D, eye_textures[eye]);

@@ -66,6 +66,8 @@ public:
     // content and each draw sends GL the part of it that it reads.
     std::vector<std::uint8_t> staging;
     bool staged = false;
+    // The first bytes of GL's copy of a staged buffer, as last sent: an unchanged range is not sent.
+    std::vector<std::uint8_t> sent;
 
 private:
     std::weak_ptr<GLObjectReleaser> releaser_;

@@ -562,14 +562,21 @@ void GLRenderer::Clear(const Color& color, float depth, std::uint32_t planes)
 
 void GLRenderer::SetIndexSource(const std::shared_ptr<GpuBuffer>& buffer)
 {
-    index_source_ = std::static_pointer_cast<GLBuffer>(buffer);
+    if (buffer.get() != index_source_.get())
+        index_source_ = std::static_pointer_cast<GLBuffer>(buffer);
 }
 
 void GLRenderer::SetVertexSource(const std::shared_ptr<GpuBuffer>& buffer, const VertexLayout& layout)
 {
     AssertRenderThread();
+    // The same buffer with the same layout keeps its vertex array.
+    if (buffer && buffer.get() == vertex_source_.get() && vertex_array_ && layout == vertex_layout_ &&
+        vertex_source_->gl_name == vertex_array_buffer_)
+        return;
     vertex_source_ = std::static_pointer_cast<GLBuffer>(buffer);
     vertex_stride_ = layout.GetStride();
+    vertex_layout_ = layout;
+    vertex_array_buffer_ = vertex_source_ ? vertex_source_->gl_name : 0;
     if (!vertex_source_ || !vertex_source_->gl_name) {
         vertex_array_ = 0;
         return;

@@ -169,6 +169,8 @@ private:
     std::shared_ptr<GLBuffer> index_source_, vertex_source_;
     GLuint vertex_array_ = 0;
     std::uint32_t vertex_stride_ = 0;
+    VertexLayout vertex_layout_;
+    GLuint vertex_array_buffer_ = 0;  // the buffer vertex_array_ reads
     // The vertex range of the draw being prepared, when its indices are at hand.
     bool draw_range_known_ = false;
     std::uint32_t draw_first_vertex_ = 0, draw_last_vertex_ = 0;

@@ -74,6 +74,7 @@ void GLRenderer::CreateBuffer(GpuBuffer& buffer, const void* data, std::uint32_t
     gl_buffer.mapped = nullptr;
     gl_buffer.staged = false;
     gl_buffer.staging.clear();
+    gl_buffer.sent.clear();
     // Growing keeps the same name: vertex arrays made for it stay valid.
     glBufferData(BindForWrite(gl_buffer), size, data, gl_buffer.usage);
 }
@@ -134,9 +135,13 @@ void GLRenderer::UploadStaged(GLBuffer& buffer, std::uint32_t size)
     if (!buffer.staged)
         return;
     size = size == 0 ? buffer.size : std::min(size, buffer.size);
-    // New storage of just the bytes the draw reads: a software driver copies a busy buffer whole
-    // when part of it is written, so the GL side is kept no larger than the last draw needs.
+    // Draws often repeat their indices: what GL already holds is not sent again.
+    if (buffer.sent.size() >= size && std::memcmp(buffer.sent.data(), buffer.staging.data(), size) == 0)
+        return;
     glBufferSubData(BindForWrite(buffer), 0, size, buffer.staging.data());
+    if (buffer.sent.size() < size)
+        buffer.sent.resize(size);
+    std::memcpy(buffer.sent.data(), buffer.staging.data(), size);
 }
 
 void GLRenderer::FreeBuffer(GpuBuffer& buffer)
@@ -152,6 +157,7 @@ void GLRenderer::FreeBuffer(GpuBuffer& buffer)
     gl_buffer.mapped = nullptr;
     gl_buffer.staged = false;
     gl_buffer.staging = {};
+    gl_buffer.sent = {};
 }
 
 // --- textures ---

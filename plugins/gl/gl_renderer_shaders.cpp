@@ -156,6 +156,9 @@ void GLRenderer::FreeShader(GpuShader& shader)
 bool GLRenderer::SetShader(const std::shared_ptr<GpuShader>& shader)
 {
     AssertRenderThread();
+    // Binding the bound program again is the common case: no reference is copied for it.
+    if (shader && shader.get() == bound_shader_.get())
+        return shader->IsReady();
     auto gl_shader = std::static_pointer_cast<GLShader>(shader);
     if (!gl_shader || !gl_shader->IsReady() || !gl_shader->program)
         return false;
@@ -345,6 +348,16 @@ void GLRenderer::SetShaderValues(const ShaderVariableTable& table, const ShaderV
 
 void GLRenderer::SetShaderSystemBuiltins(const ShaderSystemBuiltins& builtins)
 {
+    const ShaderSystemBuiltins& current = system_builtins_;
+    const bool unchanged =
+        builtins.clock_seconds == current.clock_seconds && builtins.internal_width == current.internal_width &&
+        builtins.internal_height == current.internal_height && builtins.fx_scale == current.fx_scale &&
+        builtins.ambient_color == current.ambient_color && builtins.fog_color == current.fog_color &&
+        builtins.fog_near == current.fog_near && builtins.fog_far == current.fog_far &&
+        builtins.technique_is_forward == current.technique_is_forward && builtins.fog_enabled == current.fog_enabled &&
+        builtins.shadow_map == current.shadow_map;
+    if (unchanged)
+        return;
     system_builtins_ = builtins;
     ++builtins_generation_;
 }
@@ -360,8 +373,15 @@ void GLRenderer::SetShaderCameraBuiltins(const Matrix4& view, float znear, float
 
 void GLRenderer::SetShaderTransformationBuiltins(const ShaderTransformationBuiltins& builtins)
 {
-    SetModelMatrix(builtins.model);
-    SetViewMatrix(builtins.view);
+    // Callers set these before every draw, mostly unchanged: the derived matrices are kept then.
+    if (builtins.model == GetModelMatrix() && builtins.view == GetViewMatrix() &&
+        builtins.projection == GetProjectionMatrix() && builtins.previous_model == previous_model_ &&
+        builtins.bone_count == 0 && bone_matrices_.empty())
+        return;
+    if (!(builtins.model == GetModelMatrix()))
+        SetModelMatrix(builtins.model);
+    if (!(builtins.view == GetViewMatrix()))
+        SetViewMatrix(builtins.view);
     SetProjectionMatrix(builtins.projection);
     previous_model_ = builtins.previous_model;
     bone_matrices_.clear();

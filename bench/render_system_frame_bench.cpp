@@ -7,13 +7,11 @@
 
 #include <benchmark/benchmark.h>
 
-#include <atomic>
 #include <cstdio>
-#include <cstdlib>
 #include <memory>
-#include <new>
 #include <vector>
 
+#include "bench/heap_allocation_count.h"
 #include "engine/render_system/render_system.h"
 #include "engine/renderer/gpu_resource_registry.h"
 #include "engine/renderer/recording_renderer.h"
@@ -22,45 +20,9 @@
 
 namespace {
 
-std::atomic<bool> g_counting{false};
-std::atomic<long> g_allocations{0};
 bool g_failed = false;
 
-void* Allocate(std::size_t size)
-{
-    if (g_counting.load(std::memory_order_relaxed))
-        g_allocations.fetch_add(1, std::memory_order_relaxed);
-    if (void* memory = std::malloc(size ? size : 1))
-        return memory;
-    throw std::bad_alloc();
-}
-
-void* AllocateAligned(std::size_t size, std::align_val_t alignment)
-{
-    if (g_counting.load(std::memory_order_relaxed))
-        g_allocations.fetch_add(1, std::memory_order_relaxed);
-    const auto align = static_cast<std::size_t>(alignment);
-    if (void* memory = std::aligned_alloc(align, (size + align - 1) / align * align))
-        return memory;
-    throw std::bad_alloc();
-}
-
 }  // namespace
-
-void* operator new(std::size_t size) { return Allocate(size); }
-void* operator new[](std::size_t size) { return Allocate(size); }
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return std::malloc(size ? size : 1); }
-void* operator new[](std::size_t size, const std::nothrow_t&) noexcept { return std::malloc(size ? size : 1); }
-void* operator new(std::size_t size, std::align_val_t alignment) { return AllocateAligned(size, alignment); }
-void* operator new[](std::size_t size, std::align_val_t alignment) { return AllocateAligned(size, alignment); }
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete[](void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
-void operator delete[](void* memory, std::size_t) noexcept { std::free(memory); }
-void operator delete(void* memory, std::align_val_t) noexcept { std::free(memory); }
-void operator delete[](void* memory, std::align_val_t) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t, std::align_val_t) noexcept { std::free(memory); }
-void operator delete[](void* memory, std::size_t, std::align_val_t) noexcept { std::free(memory); }
 
 namespace {
 
@@ -112,12 +74,10 @@ void BM_SteadyFrameAllocations(benchmark::State& state)
 
     long allocations = 0;
     for (auto _ : state) {
-        g_allocations = 0;
-        g_counting = true;
+        bench::StartCountingHeapAllocations();
         for (int frame = 0; frame < 1000; ++frame)
             TriangleFrame(engine.render_system, triangle);
-        g_counting = false;
-        allocations += g_allocations.load();
+        allocations += bench::StopCountingHeapAllocations();
     }
     state.counters["allocations"] = static_cast<double>(allocations);
     if (allocations != 0) {

@@ -5,15 +5,13 @@
 #include <benchmark/benchmark.h>
 #include <stdlib.h>
 
-#include <atomic>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <memory>
-#include <new>
 #include <string>
 #include <vector>
 
+#include "bench/heap_allocation_count.h"
 #include "engine/frame_renderer_factory.h"
 #include "engine/render_system/render_system.h"
 #include "engine/renderer/recording_renderer.h"
@@ -23,50 +21,6 @@
 #include "platform/plugin/plugin_library.h"
 #include "plugins/engine_singletons.h"
 #include "plugins/plugin_context.h"
-
-namespace {
-
-// Every heap allocation of the frame's thread while counting, the module's included: the module's
-// references to the allocation operators bind to this program's. The engine's timer thread keeps
-// running meanwhile and is not the frame's.
-thread_local bool g_counting = false;
-std::atomic<std::uint64_t> g_allocations{0};
-
-void* Allocate(std::size_t size)
-{
-    if (g_counting)
-        g_allocations.fetch_add(1, std::memory_order_relaxed);
-    if (void* memory = std::malloc(size ? size : 1))
-        return memory;
-    throw std::bad_alloc();
-}
-
-void* AllocateAligned(std::size_t size, std::align_val_t alignment)
-{
-    if (g_counting)
-        g_allocations.fetch_add(1, std::memory_order_relaxed);
-    const auto align = static_cast<std::size_t>(alignment);
-    if (void* memory = std::aligned_alloc(align, (size + align - 1) / align * align))
-        return memory;
-    throw std::bad_alloc();
-}
-
-}  // namespace
-
-void* operator new(std::size_t size) { return Allocate(size); }
-void* operator new[](std::size_t size) { return Allocate(size); }
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return std::malloc(size ? size : 1); }
-void* operator new[](std::size_t size, const std::nothrow_t&) noexcept { return std::malloc(size ? size : 1); }
-void* operator new(std::size_t size, std::align_val_t alignment) { return AllocateAligned(size, alignment); }
-void* operator new[](std::size_t size, std::align_val_t alignment) { return AllocateAligned(size, alignment); }
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete[](void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
-void operator delete[](void* memory, std::size_t) noexcept { std::free(memory); }
-void operator delete(void* memory, std::align_val_t) noexcept { std::free(memory); }
-void operator delete[](void* memory, std::align_val_t) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t, std::align_val_t) noexcept { std::free(memory); }
-void operator delete[](void* memory, std::size_t, std::align_val_t) noexcept { std::free(memory); }
 
 namespace {
 
@@ -125,12 +79,11 @@ void RunVRFrames(benchmark::State& state, bool profiled)
             // Steady state: the first frames size the profiler's and render system's tables.
             for (int i = 0; i < 16; ++i)
                 frame();
-            g_allocations = 0;
-            g_counting = true;
+            // The frame's own thread only: the engine's timer thread keeps running meanwhile.
+            kesta::bench::StartCountingHeapAllocations();
             for (auto _ : state)
                 frame();
-            g_counting = false;
-            const auto allocations = static_cast<double>(g_allocations.load());
+            const auto allocations = static_cast<double>(kesta::bench::StopCountingHeapAllocations());
             state.counters["allocations_per_frame"] = allocations / static_cast<double>(state.iterations());
             if (!profiled && allocations != 0)
                 state.SkipWithError("a steady-state VR frame allocated on the heap");

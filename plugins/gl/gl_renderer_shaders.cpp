@@ -508,7 +508,8 @@ void GLRenderer::UploadBuiltins(GLShader& shader)
     if (has(S::kFogState))
         glUniform3f(location(S::kFogState), system.fog_near, system.fog_far, system.fog_enabled ? 1.0f : 0.0f);
     if (has(S::kViewPosition)) {
-        const Vector3 position = GetInverseViewMatrix().Translation();
+        // The camera's place: the translation of its world matrix.
+        const Vector3 position = GetViewMatrix().Translation();
         glUniform4f(location(S::kViewPosition), position.x, position.y, position.z, 1.0f);
     }
     if (has(S::kViewState))

@@ -206,6 +206,9 @@ void BM_RawGLFrame(benchmark::State& state)
             glBlitFramebuffer(0, 0, kEyeWidth, kEyeHeight, 0, 0, kEyeWidth, kEyeHeight, GL_COLOR_BUFFER_BIT,
                               GL_NEAREST);
         }
+        // The eyes are complete before they are mirrored: the VR frame waits here too, so that the
+        // compositor has them.
+        glFinish();
         // Both eyes into the mirror, as textured quads.
         glBindFramebuffer(GL_FRAMEBUFFER, mirror_target);
         glDisable(GL_DEPTH_TEST);
@@ -215,8 +218,8 @@ void BM_RawGLFrame(benchmark::State& state)
             glBindTexture(GL_TEXTURE_2D, eye_textures[eye]);
             glDrawArrays(GL_TRIANGLE_STRIP, 0, 4);
         }
-        glFinish();
     }
+    glFinish();
     SetFramesPerSecond(state);
 }
 BENCHMARK(BM_RawGLFrame)->Unit(benchmark::kMillisecond)->UseRealTime()->MinTime(5.0);

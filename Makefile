@@ -9,7 +9,7 @@ BENCH_BUILD := build-bench
 CTEST      := ctest --output-on-failure --no-tests=error
 JOBS       ?= $(shell nproc)
 
-.PHONY: all deps build run test test-main test-asan test-tsan format-check format bench clean
+.PHONY: all deps build run docs-picture test test-main test-asan test-tsan format-check format bench clean
 
 all: build
 
@@ -22,8 +22,15 @@ $(BUILD)/build.ninja: | deps
 build: deps $(BUILD)/build.ninja
 	cmake --build $(BUILD) -j $(JOBS)
 
+# The viewer: the demo scene in the headset (the simulated one unless the environment names an
+# OpenVR runtime); pictures, profile and summary under build/run/.
 run: build
-	./$(BUILD)/apps/norvane_host
+	./$(BUILD)/apps/norvane_viewer
+
+# The README's picture: the viewer's mirror, shrunk.
+docs-picture: build
+	./$(BUILD)/apps/norvane_viewer --frames 90 --unpaced --out $(BUILD)/docs-picture
+	./$(BUILD)/apps/norvane_shrink_png $(BUILD)/docs-picture/mirror.png docs/viewer_mirror.png 640
 
 # Every test, then the same tests under AddressSanitizer and UndefinedBehaviorSanitizer (clang,
 # which also runs each fuzz target for a bounded time), then the foundation under

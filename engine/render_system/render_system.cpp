@@ -497,7 +497,9 @@ void RenderSystem::SetRenderTechnique(RenderTechnique technique, bool hdr)
             r.SetRenderTargetDepthTexture(*output_target_, MakeFrameTexture("t_depth_aa", kTextureFormatDepth, aa));
         }
         depth = MakeFrameTexture("t_depth", kTextureFormatDepth, 0);
-        draw_target_ = hardware_multisample ? output_target_ : compose_target_;
+        // Only a multisample count over 1 draws into the multisampled target: ResolveMultisample,
+        // which brings its picture into the compose target, runs for those counts alone.
+        draw_target_ = level > 0 ? output_target_ : compose_target_;
     } else {
         std::shared_ptr<Texture> gbuffer[4];
         for (int i = 0; i < 4; ++i)

@@ -7,7 +7,6 @@
 
 #include "foundation/format.h"
 #include "foundation/log/log.h"
-#include "foundation/task/future_call.h"
 #include "foundation/thread/processor_info.h"
 #include "foundation/thread/thread_name.h"
 
@@ -173,9 +172,7 @@ void task_system::work(worker& w)
         const bool has_work = !shared_queue_.empty() || !w.queue.empty();
         if (!has_work && w.state.load() == 1) {
             if (finished) {
-                lock.unlock();
-                finished.reset();
-                lock.lock();
+                release_finished(finished, lock);
                 continue;
             }
             if (linger_for_work(w, lock))
@@ -195,15 +192,29 @@ void task_system::work(worker& w)
         if (!t)
             continue;
         lock.unlock();
+        const bool released = finished != nullptr;
         finished.reset();
         t->run();
         lock.lock();
+        if (released)
+            --unreleased_tasks_;
         if (finish_locked(t, lock))
             task_finished_.notify_all();
         finished = std::move(t);
+        ++unreleased_tasks_;
     }
-    lock.unlock();
+    if (finished)
+        release_finished(finished, lock);
+}
+
+void task_system::release_finished(std::shared_ptr<task>& finished, std::unique_lock<std::mutex>& held)
+{
+    held.unlock();
     finished.reset();
+    held.lock();
+    // The last reference may have been the one that kept wait_for_all waiting.
+    if (--unreleased_tasks_ == 0 && sleeping_task_waiters_ > 0)
+        task_finished_.notify_all();
 }
 
 void task_system::insert_by_priority(task_list& queue, std::shared_ptr<task> t)
@@ -557,8 +568,8 @@ void task_system::wait_for_all()
 {
     std::unique_lock lock(lock_);
     for (;;) {
-        std::size_t open =
-            task_continuations_.size() + set_continuations_.size() + running_tasks_.size() + shared_queue_.size();
+        std::size_t open = task_continuations_.size() + set_continuations_.size() + running_tasks_.size() +
+                           shared_queue_.size() + unreleased_tasks_;
         const std::uint64_t count = worker_count_.load();
         for (std::uint64_t i = 0; i < count; ++i) {
             std::lock_guard pop_lock(workers_[i].pop_lock);
@@ -570,25 +581,6 @@ void task_system::wait_for_all()
             sleep_until_task_finished(lock, sleeping_task_waiters_);
         else
             help_with(shared_queue_.begin(), lock);
-    }
-}
-
-void task_system::release_finished_tasks()
-{
-    // A worker drops its previous task before it runs the next, so an empty call answered by each
-    // worker proves that worker holds nothing older.
-    const std::uint64_t count = worker_count_.load();
-    std::vector<std::future<void>> answers;
-    answers.reserve(count);
-    for (std::uint64_t i = 0; i < count; ++i)
-        answers.push_back(run_call_with_return_value<void>(
-            *this, [] {}, static_cast<std::uint8_t>(i)));
-    for (std::future<void>& answer : answers) {
-        // A stopping system drops the call; its workers release everything as they leave.
-        try {
-            answer.get();
-        } catch (const std::future_error&) {
-        }
     }
 }
 

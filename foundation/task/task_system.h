@@ -65,10 +65,6 @@ public:
     void wait_for_task(const std::shared_ptr<task>& t);
     void wait_for_task_set(const std::shared_ptr<task_set>& set);
     void wait_for_all();
-    // Makes every worker let go of the task it finished last. A worker releases that task lazily,
-    // when it takes its next one or goes to sleep; a host calls this after wait_for_all and before
-    // it unloads a library whose code (a task's destructor, its captures) might still be held.
-    void release_finished_tasks();
 
     // Raises by one level up to `count` pinned tasks (0: all) of a worker that waited more than two
     // cycles, taken from the front of its queue.
@@ -138,6 +134,8 @@ private:
     bool claim_worker_wake();
     // Briefly waits, without the lock and without sleeping, for new work. True if some came.
     bool linger_for_work(worker& w, std::unique_lock<std::mutex>& held);
+    // Drops a worker's last finished task outside the lock and lets wait_for_all see it gone.
+    void release_finished(std::shared_ptr<task>& finished, std::unique_lock<std::mutex>& held);
     static void insert_by_priority(task_list& queue, std::shared_ptr<task> t);
 
     mutable std::mutex lock_;
@@ -155,6 +153,9 @@ private:
     std::size_t sleeping_task_waiters_ = 0;     // in wait_for_task or wait_for_all
     std::size_t sleeping_set_waiters_ = 0;      // in wait_for_task_set
     std::uint64_t closed_sets_ = 0;             // sets that left active_sets so far
+    // Finished tasks a worker still holds, to release outside the lock. wait_for_all counts them:
+    // a task's destructor may be code of a plug-in that is unloaded once the wait returns.
+    std::size_t unreleased_tasks_ = 0;
     std::atomic<std::uint64_t> worker_count_{0};
     std::unique_ptr<worker[]> workers_;
     std::atomic<std::uint64_t> cycle_{0};

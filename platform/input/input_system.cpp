@@ -57,4 +57,6 @@ void InputSystem::UpdateDevices()
         device->Update();
 }
 
+void InputSystem::CloseOpenDevices() { open_devices_.clear(); }
+
 }  // namespace kesta

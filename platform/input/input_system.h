@@ -28,6 +28,9 @@ public:
     std::vector<std::string> GetDeviceNames();
     // Updates every device GetDevice has returned, in name order.
     void UpdateDevices();
+    // Forgets every device GetDevice has returned. The code of a plug-in's devices goes with the
+    // plug-in: a host calls this before it unloads plug-ins whose devices were asked for.
+    void CloseOpenDevices();
 
 private:
     std::map<std::string, std::shared_ptr<InputDevice>> devices_;

@@ -114,6 +114,29 @@ TEST_F(InputSystemTest, RemovedDeviceStaysOpenAndUpdatedOnceAskedFor)
     EXPECT_EQ(updates, (std::vector<std::string>{"asked"}));
 }
 
+TEST_F(InputSystemTest, ClosedDevicesAreReleasedAndOnlyRegisteredOnesAreFoundAgain)
+{
+    std::weak_ptr<RecordingDevice> removed;
+    {
+        const auto device = Device("removed");
+        removed = device;
+        input.AddDevice("removed", device);
+    }
+    const auto kept = Device("kept");
+    input.AddDevice("kept", kept);
+    ASSERT_NE(input.GetDevice("removed"), nullptr);
+    ASSERT_EQ(input.GetDevice("kept"), kept);
+    input.RemoveDevice("removed");
+
+    input.CloseOpenDevices();
+    // Nothing of the removed device is held any more: its plug-in may go.
+    EXPECT_TRUE(removed.expired());
+    EXPECT_EQ(input.GetDevice("removed"), nullptr);
+    input.UpdateDevices();
+    EXPECT_TRUE(updates.empty());
+    EXPECT_EQ(input.GetDevice("kept"), kept);
+}
+
 TEST_F(InputSystemTest, UpdatesOpenDevicesInNameOrder)
 {
     for (const char* name : {"mouse", "keyboard", "zeta"})

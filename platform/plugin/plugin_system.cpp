@@ -146,10 +146,8 @@ void PluginSystem::UnloadPlugins()
     if (plugins_.empty())
         return;
     // No task may still be running plug-in code when its library goes.
-    if (g_task_system) {
+    if (g_task_system)
         g_task_system->wait_for_all();
-        g_task_system->release_finished_tasks();
-    }
     for (const auto& record : plugins_) {
         // The description's text lives in the library: read it before the library goes.
         debug(format("Unloading plugin %1 [%2]") << record->description.name << record->description.description);

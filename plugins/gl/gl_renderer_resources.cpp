@@ -177,8 +177,8 @@ std::shared_ptr<Texture> GLRenderer::NewShadowMap(int width, int height, const s
 }
 
 void GLRenderer::CreateTexture(Texture& texture, const void* data, std::uint32_t size, int width, int height,
-                               TextureFormat texture_format, std::uint8_t anti_aliasing, TextureUsage, bool mipmapped,
-                               int)
+                               TextureFormat texture_format, std::uint8_t anti_aliasing, TextureUsage usage,
+                               bool mipmapped, int)
 {
     AssertRenderThread();
     auto& gl_texture = static_cast<GLTexture&>(texture);
@@ -199,7 +199,9 @@ void GLRenderer::CreateTexture(Texture& texture, const void* data, std::uint32_t
     if (!gl_texture.gl_name)
         glGenTextures(1, &gl_texture.gl_name);
     gl_texture.target = samples ? GL_TEXTURE_2D_MULTISAMPLE : GL_TEXTURE_2D;
-    gl_texture.mipmapped = mipmapped && !samples;
+    // Nothing regenerates the mip levels of a texture that is drawn into: a colour target samples
+    // its first level only, which keeps it complete (sampling an incomplete texture gives black).
+    gl_texture.mipmapped = mipmapped && !samples && usage != kTextureUsageColorTarget;
     gl_texture.config_applied = false;
     texture.width = width;
     texture.height = height;

@@ -276,7 +276,9 @@ void GLRenderer::BindTexture(int unit, const std::shared_ptr<Texture>& texture)
 {
     glActiveTexture(GL_TEXTURE0 + static_cast<GLenum>(unit));
     auto* gl_texture = static_cast<GLTexture*>(texture.get());
-    if (!gl_texture || !gl_texture->IsReady() || !gl_texture->gl_name) {
+    // A texture made directly with CreateTexture (a render target's colour) is never marked ready
+    // by a loader: what counts is that its GL side exists and did not fail.
+    if (!gl_texture || gl_texture->IsFailed() || !gl_texture->gl_name) {
         glBindTexture(GL_TEXTURE_2D, 0);
         return;
     }
@@ -442,7 +444,9 @@ void GLRenderer::UploadBuiltins(GLShader& shader)
         shader.projection_uploaded = GetProjectionMatrix();
         shader.matrices_valid = true;
         const Matrix44 model = Matrix44::FromMatrix4(GetModelMatrix());
-        const Matrix44 view = Matrix44::FromMatrix4(GetViewMatrix());
+        // The renderer's view matrix is the camera's world matrix; shaders take the transform from
+        // world to view space, its inverse, as vViewMatrix and in every product.
+        const Matrix44 view = Matrix44::FromMatrix4(GetInverseViewMatrix());
         const Matrix44& projection = GetProjectionMatrix();
         const Matrix44 model_view = view * model;
         const Matrix44 view_projection = projection * view;
@@ -457,7 +461,7 @@ void GLRenderer::UploadBuiltins(GLShader& shader)
         upload(S::kInverseModelMatrix, Matrix44::FromMatrix4(GetModelMatrix().Inverse()));
         upload(S::kNormalMatrix, Matrix44::FromMatrix4(GetNormalMatrix()));
         upload(S::kViewMatrix, view);
-        upload(S::kInverseViewMatrix, Matrix44::FromMatrix4(GetInverseViewMatrix()));
+        upload(S::kInverseViewMatrix, Matrix44::FromMatrix4(GetViewMatrix()));
         upload(S::kModelViewMatrix, model_view);
         upload(S::kNormalViewMatrix, view * Matrix44::FromMatrix4(GetNormalMatrix()));
         upload(S::kProjectionMatrix, projection);
@@ -465,7 +469,7 @@ void GLRenderer::UploadBuiltins(GLShader& shader)
         upload(S::kModelViewProjectionMatrix, projection * model_view);
         upload(S::kInverseViewProjectionMatrix, view_projection.Inverse());
         if (has(S::kInverseViewProjectionMatrixAtOrigin)) {
-            Matrix4 rotation_only = GetViewMatrix();
+            Matrix4 rotation_only = GetInverseViewMatrix();
             rotation_only.SetTranslation({});
             upload(S::kInverseViewProjectionMatrixAtOrigin,
                    (projection * Matrix44::FromMatrix4(rotation_only)).Inverse());
@@ -483,8 +487,8 @@ void GLRenderer::UploadBuiltins(GLShader& shader)
         }
     };
     upload4(S::kPreviousModelMatrix, previous_model_);
-    upload4(S::kPreviousViewMatrix, GetPreviousViewMatrix());
-    upload4(S::kInversePreviousViewMatrix, GetPreviousInverseViewMatrix());
+    upload4(S::kPreviousViewMatrix, GetPreviousInverseViewMatrix());
+    upload4(S::kInversePreviousViewMatrix, GetPreviousViewMatrix());
     if (has(S::kBoneMatrix) && !bone_matrices_.empty())
         glUniformMatrix4fv(location(S::kBoneMatrix), static_cast<GLsizei>(bone_matrices_.size() / 16), GL_TRUE,
                            bone_matrices_.data());
@@ -513,7 +517,8 @@ void GLRenderer::UploadBuiltins(GLShader& shader)
     if (has(S::kFogState))
         glUniform3f(location(S::kFogState), system.fog_near, system.fog_far, system.fog_enabled ? 1.0f : 0.0f);
     if (has(S::kViewPosition)) {
-        const Vector3 position = GetInverseViewMatrix().Translation();
+        // The camera's place: the translation of its world matrix.
+        const Vector3 position = GetViewMatrix().Translation();
         glUniform4f(location(S::kViewPosition), position.x, position.y, position.z, 1.0f);
     }
     if (has(S::kViewState))

@@ -7,6 +7,7 @@
 #include "engine/picture/picture.h"
 #include "engine/renderer/render_thread.h"
 #include "engine/renderer/shader/shader.h"
+#include "engine/renderer/shader/shader_file_reader.h"
 #include "engine/renderer/shader/shader_includes.h"
 #include "engine/renderer/shader/shader_parser.h"
 #include "engine/vertex_layout.h"
@@ -26,15 +27,6 @@ namespace {
 constexpr const char* kDefaultShaderPath = "@core/shaders/single_texture_2d.isl";
 constexpr std::uint16_t kQuadIndices[6] = {0, 1, 2, 0, 2, 3};
 constexpr std::uint32_t kQuadVertexBytes = 4 * 20;
-
-// Shader files are read through the virtual filesystem.
-bool read_shader_file(const std::string& path, std::string& text)
-{
-    if (!g_filesystem || !g_filesystem->Exists(path))
-        return false;
-    text = g_filesystem->FileToString(path);
-    return true;
-}
 
 // Picture formats that have a texture counterpart, and that counterpart.
 bool texture_format_of(std::uint32_t picture_format, TextureFormat& format)
@@ -313,7 +305,7 @@ void Renderer::RunShaderLoad(const std::shared_ptr<GpuShader>& gpu_shader, const
     auto parse_and_create = [this, gpu_shader, name, source] {
         auto shader = std::make_shared<Shader>();
         shader->name = name;
-        if (!ParseShader(*shader, source, &read_shader_file)) {
+        if (!ParseShader(*shader, source)) {
             gpu_shader->SetFailed();
             return;
         }
@@ -334,8 +326,8 @@ void Renderer::CreateShader(const std::shared_ptr<GpuShader>& gpu_shader, const 
         return;
     for (auto& variant : shader->variants) {
         for (auto& stage : variant->stages) {
-            stage.global = ExpandIncludes(stage.global, &read_shader_file);
-            stage.source = ExpandIncludes(stage.source, &read_shader_file);
+            stage.global = ExpandIncludes(stage.global);
+            stage.source = ExpandIncludes(stage.source);
         }
     }
     std::string vertex_text, pixel_text;
@@ -366,7 +358,7 @@ void Renderer::Reload(const std::string& path)
     if (std::shared_ptr<GpuShader> gpu_shader = FindCachedShader(path)) {
         RunOnRenderThreadAndWait([this, gpu_shader] { FreeShader(*gpu_shader); });
         std::string text;
-        if (read_shader_file(path, text) && !text.empty()) {
+        if (ReadShaderFileThroughFilesystem(path, text) && !text.empty()) {
             gpu_shader->ResetState();
             RunShaderLoad(gpu_shader, path, text, true);
         }
